@@ -1,0 +1,2 @@
+// Placeholder until the JSON model lands.
+int main() { return 0; }
