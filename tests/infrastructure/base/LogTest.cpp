@@ -44,4 +44,3 @@ TEST(LogTest, ThrowingSinkIsContained) {
 }
 
 }  // namespace
-}  // namespace wevlin_test
