@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Checks the page-side JavaScript library in web/: installs Node.js and npm
+# with apt-get when the commands are missing, installs the locked development
+# dependencies, then runs the linter, the type check of the declarations, the
+# formatting check and the unit tests.
+#
+#   scripts/test-web.sh
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. scripts/lib/prereqs.sh
+
+# Only missing commands are installed: a Node.js package that bundles npm
+# (as some distributions of Node.js do) must not be paired with a second npm.
+missing=()
+command -v node >/dev/null 2>&1 || missing+=(nodejs)
+command -v npm >/dev/null 2>&1 || missing+=(npm)
+if [ "${#missing[@]}" -gt 0 ]; then
+  ensure_packages "${missing[@]}"
+fi
+echo "== node $(node --version), npm $(npm --version)"
+
+cd web
+echo "== npm ci"
+npm ci --no-audit --no-fund
+echo "== npm run lint"
+npm run lint
+echo "== npm run typecheck"
+npm run typecheck
+echo "== npm run format:check"
+npm run format:check
+echo "== npm test"
+npm test

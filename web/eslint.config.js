@@ -1,0 +1,48 @@
+"use strict";
+
+// Lint configuration: the recommended rules plus a few that keep the library
+// strict and predictable. The library file is a classic script that must also
+// load as a CommonJS module; the tests and tooling run on Node.
+const js = require("@eslint/js");
+const globals = require("globals");
+
+const shared = {
+  "no-var": "error",
+  "prefer-const": "error",
+  curly: ["error", "multi-line"],
+  eqeqeq: ["error", "always"],
+  "no-implicit-globals": "error",
+  "no-shadow": "error",
+  "no-throw-literal": "error",
+  "no-unused-vars": ["error", { args: "after-used", caughtErrors: "none" }],
+  "object-shorthand": "error",
+  strict: ["error", "safe"],
+};
+
+module.exports = [
+  { ignores: ["node_modules/", "coverage/"] },
+  js.configs.recommended,
+  {
+    files: ["src/wevlin.js"],
+    languageOptions: {
+      sourceType: "script",
+      globals: { ...globals.es2022, module: "readonly" },
+    },
+    rules: { ...shared, "no-restricted-globals": ["error", "window", "self", "document"] },
+  },
+  {
+    files: ["src/**/*.mjs"],
+    languageOptions: { sourceType: "module", globals: { ...globals.es2022 } },
+    rules: shared,
+  },
+  {
+    files: ["test/**/*.js", "eslint.config.js"],
+    languageOptions: { sourceType: "commonjs", globals: { ...globals.node } },
+    rules: shared,
+  },
+  {
+    files: ["test/**/*.mjs"],
+    languageOptions: { sourceType: "module", globals: { ...globals.node } },
+    rules: shared,
+  },
+];
