@@ -1,17 +1,10 @@
 #ifndef WEVLIN_INFRASTRUCTURE_BASE_INTERNAL_LOG_H_
 #define WEVLIN_INFRASTRUCTURE_BASE_INTERNAL_LOG_H_
 
-#include <string>
-
-#include "wevlin/wevlin_export.h"
-
-namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Base::internal {
-
-// Writes one diagnostic line: to the sink set with SetLogSink, or else to
-// standard output followed by a line end, flushing the stream. Every log line
-// of the library goes through here. Safe to call from any thread.
-WEVLIN_EXPORT void WriteLogLine(const std::string& line);
-
-}  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Base::internal
+// The library's diagnostic output, for the library's sources: WriteLogLine.
+// The declaration lives in the public LogLine.h, because the public class
+// templates need it too; this header stays so that library code keeps one
+// include for logging.
+#include "wevlin/infrastructure/base/LogLine.h"
 
 #endif  // WEVLIN_INFRASTRUCTURE_BASE_INTERNAL_LOG_H_

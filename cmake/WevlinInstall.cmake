@@ -1,0 +1,149 @@
+# Install rules. Included by the top-level CMakeLists.txt after every library
+# target is defined, when WEVLIN_INSTALL is on.
+#
+# Installed tree:
+#   include/wevlin/...                  the public headers (no internal/ or
+#                                       port/ folders) and wevlin_export.h
+#   lib/ (bin/ for DLLs)                the library, versioned
+#   lib/cmake/wevlin/                   find_package(wevlin CONFIG): target
+#                                       wevlin::wevlin, component chromium
+#                                       with target wevlin::chromium
+#   lib/pkgconfig/wevlin.pc             pkg-config (and wevlin-chromium.pc)
+#
+# Install components: "wevlin" (the library) and "chromium" (the Chromium web
+# control, when it is built), e.g. cmake --install build --component wevlin.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(WEVLIN_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/wevlin" CACHE STRING
+  "Where the CMake package files of wevlin are installed, relative to the prefix")
+set(WEVLIN_INSTALL_PKGCONFIGDIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig" CACHE STRING
+  "Where the pkg-config files of wevlin are installed, relative to the prefix")
+
+# --- The library ------------------------------------------------------------
+install(TARGETS wevlin
+  EXPORT wevlinTargets
+  RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT wevlin
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT wevlin
+  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT wevlin
+  INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+
+# Public headers: everything below wevlin/ except the internal/ and port/
+# folders (implementation only) and the web controls (their own components).
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/wevlin/"
+  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/wevlin"
+  COMPONENT wevlin
+  FILES_MATCHING PATTERN "*.h"
+  PATTERN "internal" EXCLUDE
+  PATTERN "port" EXCLUDE
+  PATTERN "webcontrols" EXCLUDE)
+install(FILES "${PROJECT_BINARY_DIR}/include/wevlin/wevlin_export.h"
+  DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/wevlin"
+  COMPONENT wevlin)
+
+install(EXPORT wevlinTargets
+  NAMESPACE wevlin::
+  DESTINATION "${WEVLIN_INSTALL_CMAKEDIR}"
+  COMPONENT wevlin)
+
+if(MINGW AND WEVLIN_INSTALL_COMPILER_RUNTIME AND BUILD_SHARED_LIBS AND WEVLIN_COMPILER_RUNTIME_DLLS)
+  install(FILES ${WEVLIN_COMPILER_RUNTIME_DLLS}
+    DESTINATION "${CMAKE_INSTALL_BINDIR}"
+    COMPONENT wevlin)
+endif()
+
+# --- The Chromium web control ---------------------------------------------------
+set(WEVLIN_HAS_CHROMIUM OFF)
+if(TARGET wevlin_chromium)
+  set(WEVLIN_HAS_CHROMIUM ON)
+  set_target_properties(wevlin_chromium PROPERTIES EXPORT_NAME chromium)
+  install(TARGETS wevlin_chromium
+    EXPORT wevlinChromiumTargets
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT chromium
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT chromium
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT chromium
+    INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/wevlin/webcontrols/chromium/"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/wevlin/webcontrols/chromium"
+    COMPONENT chromium
+    FILES_MATCHING PATTERN "*.h"
+    PATTERN "internal" EXCLUDE
+    PATTERN "port" EXCLUDE)
+  install(FILES "${PROJECT_BINARY_DIR}/include/wevlin/webcontrols/chromium/wevlin_chromium_export.h"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/wevlin/webcontrols/chromium"
+    COMPONENT chromium)
+  install(EXPORT wevlinChromiumTargets
+    NAMESPACE wevlin::
+    DESTINATION "${WEVLIN_INSTALL_CMAKEDIR}"
+    COMPONENT chromium)
+endif()
+
+# --- CMake package ----------------------------------------------------------------
+set(WEVLIN_CONFIG_SHARED "${BUILD_SHARED_LIBS}")
+configure_package_config_file(
+  "${PROJECT_SOURCE_DIR}/cmake/wevlinConfig.cmake.in"
+  "${PROJECT_BINARY_DIR}/package/wevlinConfig.cmake"
+  INSTALL_DESTINATION "${WEVLIN_INSTALL_CMAKEDIR}")
+# 0.x releases promise nothing across minor versions; from 1.0 on, a major
+# version keeps its interface.
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+  set(WEVLIN_VERSION_COMPATIBILITY SameMinorVersion)
+else()
+  set(WEVLIN_VERSION_COMPATIBILITY SameMajorVersion)
+endif()
+write_basic_package_version_file(
+  "${PROJECT_BINARY_DIR}/package/wevlinConfigVersion.cmake"
+  VERSION "${PROJECT_VERSION}"
+  COMPATIBILITY ${WEVLIN_VERSION_COMPATIBILITY})
+install(FILES
+  "${PROJECT_BINARY_DIR}/package/wevlinConfig.cmake"
+  "${PROJECT_BINARY_DIR}/package/wevlinConfigVersion.cmake"
+  DESTINATION "${WEVLIN_INSTALL_CMAKEDIR}"
+  COMPONENT wevlin)
+
+# --- pkg-config -------------------------------------------------------------------
+# The prefix is written when installing, so that `cmake --install --prefix`
+# yields a file that names the tree it is in. Everything else is known now.
+function(wevlin_install_pkgconfig template name component)
+  if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+    set(WEVLIN_PC_LIBDIR "${CMAKE_INSTALL_LIBDIR}")
+  else()
+    set(WEVLIN_PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
+  endif()
+  if(IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
+    set(WEVLIN_PC_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}")
+  else()
+    set(WEVLIN_PC_INCLUDEDIR "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
+  endif()
+  set(WEVLIN_PC_CFLAGS "")
+  set(WEVLIN_PC_LIBS_PRIVATE "")
+  if(NOT BUILD_SHARED_LIBS)
+    set(WEVLIN_PC_CFLAGS " -DWEVLIN_STATIC_DEFINE")
+    if(name STREQUAL "wevlin-chromium")
+      string(APPEND WEVLIN_PC_CFLAGS " -DWEVLIN_CHROMIUM_STATIC_DEFINE")
+    endif()
+  endif()
+  find_package(Threads REQUIRED)
+  if(CMAKE_USE_PTHREADS_INIT)
+    set(WEVLIN_PC_LIBS_PRIVATE "-pthread")
+  endif()
+  set(destination "${WEVLIN_INSTALL_PKGCONFIGDIR}")
+  if(NOT IS_ABSOLUTE "${destination}")
+    set(destination "\${CMAKE_INSTALL_PREFIX}/${destination}")
+  endif()
+  # Left for the install step.
+  set(WEVLIN_PC_PREFIX "@WEVLIN_PC_PREFIX@")
+  set(stage "${PROJECT_BINARY_DIR}/package/${name}.pc.in")
+  configure_file("${template}" "${stage}" @ONLY)
+  install(CODE "
+    set(WEVLIN_PC_PREFIX \"\${CMAKE_INSTALL_PREFIX}\")
+    configure_file(\"${stage}\" \"${PROJECT_BINARY_DIR}/package/install/${name}.pc\" @ONLY)
+    file(INSTALL DESTINATION \"${destination}\"
+      TYPE FILE FILES \"${PROJECT_BINARY_DIR}/package/install/${name}.pc\")
+    " COMPONENT ${component})
+endfunction()
+
+wevlin_install_pkgconfig("${PROJECT_SOURCE_DIR}/cmake/wevlin.pc.in" wevlin wevlin)
+if(WEVLIN_HAS_CHROMIUM)
+  wevlin_install_pkgconfig("${PROJECT_SOURCE_DIR}/cmake/wevlin-chromium.pc.in" wevlin-chromium chromium)
+endif()

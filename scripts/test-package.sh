@@ -1,0 +1,170 @@
+#!/usr/bin/env bash
+# Checks wevlin as its users receive it:
+#
+#   1. builds the library (Release, no tests) and installs it into a
+#      temporary prefix; checks the installed tree: public headers only, the
+#      versioned shared library and its soname, the CMake package and the
+#      pkg-config file;
+#   2. builds and runs tests/package/find-package against that prefix with
+#      find_package(wevlin CONFIG REQUIRED): every installed header compiled
+#      on its own, and the consumer program linked to the shared library;
+#   3. builds and runs the same consumer with nothing but the flags of
+#      `pkg-config --cflags --libs wevlin`;
+#   4. builds and runs tests/package/add-subdirectory, which builds wevlin
+#      from source as a subproject;
+#   5. packs the JavaScript library in web/ with `npm pack`, installs the
+#      tarball into a temporary project and imports it with require() and
+#      with import, and type-checks both forms against its declarations.
+#
+#   scripts/test-package.sh
+#   BUILD_DIR=... JOBS=... scripts/test-package.sh
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. scripts/lib/prereqs.sh
+
+ensure_packages "${WEVLIN_BUILD_PACKAGES[@]}" binutils
+missing=()
+command -v node >/dev/null 2>&1 || missing+=(nodejs)
+command -v npm >/dev/null 2>&1 || missing+=(npm)
+if [ "${#missing[@]}" -gt 0 ]; then
+  ensure_packages "${missing[@]}"
+fi
+
+source_dir="$PWD"
+build_dir="${BUILD_DIR:-build/package}"
+jobs="${JOBS:-$(nproc)}"
+work="$(mktemp -d)"
+trap 'rm -rf "$work"' EXIT
+prefix="$work/prefix"
+
+fail() {
+  echo "FAIL: $*" >&2
+  exit 1
+}
+
+# expect_eq WHAT ACTUAL EXPECTED
+expect_eq() {
+  if [ "$2" != "$3" ]; then
+    fail "$1: expected \"$3\", got \"$2\""
+  fi
+  echo "ok   $1: $2"
+}
+
+version="$(sed -n 's/^ *VERSION \([0-9][0-9.]*\)$/\1/p' CMakeLists.txt | head -n 1)"
+[ -n "$version" ] || fail "cannot read the project version from CMakeLists.txt"
+major="${version%%.*}"
+echo "== wevlin $version"
+
+echo "== Building and installing into $prefix"
+cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+  -DWEVLIN_BUILD_TESTS=OFF -DWEVLIN_BUILD_EXAMPLES=OFF -DWEVLIN_BUILD_BENCHMARKS=OFF \
+  -DWEVLIN_INSTALL=ON -DWEVLIN_WARNINGS_AS_ERRORS=ON >/dev/null
+cmake --build "$build_dir" --parallel "$jobs"
+cmake --install "$build_dir" --prefix "$prefix" >/dev/null
+
+echo "== The installed tree"
+[ -f "$prefix/include/wevlin/wevlin.h" ] || fail "wevlin/wevlin.h is not installed"
+[ -f "$prefix/include/wevlin/wevlin_export.h" ] || fail "wevlin/wevlin_export.h is not installed"
+[ -f "$prefix/include/wevlin/infrastructure/base/LogLine.h" ] || fail "LogLine.h is not installed"
+private="$(cd "$prefix/include" && find . \( -name internal -o -name port \) -print)"
+expect_eq "private header folders installed" "${private:-none}" "none"
+others="$(cd "$prefix/include" && find . -type f ! -name '*.h' -print)"
+expect_eq "installed files that are not headers" "${others:-none}" "none"
+# Every header of the source tree outside internal/ and port/ is installed.
+for header in $(cd "$source_dir" && find wevlin/infrastructure -name '*.h' \
+  ! -path '*/internal/*' ! -path '*/port/*'); do
+  [ -f "$prefix/include/$header" ] || fail "$header is not installed"
+done
+echo "ok   every public header is installed"
+
+libdir="$prefix/lib"
+real="$libdir/libwevlin.so.$version"
+[ -f "$real" ] || fail "libwevlin.so.$version is not installed"
+expect_eq "libwevlin.so.$major" "$(readlink "$libdir/libwevlin.so.$major")" "libwevlin.so.$version"
+expect_eq "libwevlin.so" "$(readlink "$libdir/libwevlin.so")" "libwevlin.so.$major"
+soname="$(readelf -d "$real" | sed -n 's/.*Library soname: \[\(.*\)\]/\1/p')"
+expect_eq "soname" "$soname" "libwevlin.so.$major"
+for file in wevlinConfig.cmake wevlinConfigVersion.cmake wevlinTargets.cmake; do
+  [ -f "$libdir/cmake/wevlin/$file" ] || fail "lib/cmake/wevlin/$file is not installed"
+done
+echo "ok   CMake package files"
+
+echo "== pkg-config"
+export PKG_CONFIG_PATH="$libdir/pkgconfig"
+expect_eq "pkg-config --modversion wevlin" "$(pkg-config --modversion wevlin)" "$version"
+expect_eq "pkg-config --cflags --libs wevlin" "$(pkg-config --cflags --libs wevlin)" \
+  "-I$prefix/include -L$libdir -lwevlin"
+# shellcheck disable=SC2046 # the flags are meant to be split
+g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror tests/package/consumer/main.cpp \
+  $(pkg-config --cflags --libs wevlin) -o "$work/consumer-pkg-config"
+LD_LIBRARY_PATH="$libdir" "$work/consumer-pkg-config" | tail -n 1
+LD_LIBRARY_PATH="$libdir" ldd "$work/consumer-pkg-config" | grep -q "libwevlin.so.$major => $libdir/" ||
+  fail "the pkg-config consumer does not load the installed library"
+echo "ok   the program loads $libdir/libwevlin.so.$major"
+
+echo "== find_package(wevlin CONFIG REQUIRED)"
+cmake -S tests/package/find-package -B "$work/find-package" -G Ninja \
+  -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$prefix"
+cmake --build "$work/find-package" --parallel "$jobs"
+ctest --test-dir "$work/find-package" --output-on-failure
+
+echo "== add_subdirectory(wevlin)"
+cmake -S tests/package/add-subdirectory -B "$work/add-subdirectory" -G Ninja \
+  -DCMAKE_BUILD_TYPE=Debug -DWEVLIN_SOURCE_DIR="$source_dir"
+cmake --build "$work/add-subdirectory" --parallel "$jobs"
+ctest --test-dir "$work/add-subdirectory" --output-on-failure
+
+echo "== npm pack"
+(cd web && npm pack --pack-destination "$work" --silent >/dev/null)
+tarball="$work/wevlin-$version.tgz"
+[ -f "$tarball" ] || fail "npm pack did not write wevlin-$version.tgz (the JavaScript version must be $version)"
+contents="$(tar -tzf "$tarball" | sort | tr '\n' ' ')"
+expect_eq "files in the tarball" "$contents" \
+  "package/README.md package/index.d.mts package/index.d.ts package/package.json package/src/wevlin.js package/src/wevlin.mjs "
+
+app="$work/app"
+mkdir -p "$app"
+cat >"$app/package.json" <<'EOF'
+{ "name": "wevlin-package-check", "version": "1.0.0", "private": true }
+EOF
+(cd "$app" && npm install --no-audit --no-fund --offline --silent "$tarball")
+cd "$app"
+expect_eq "require(\"wevlin\").VERSION" \
+  "$(node -e 'const w = require("wevlin"); process.stdout.write(w.VERSION + " " + typeof w.createPage)')" \
+  "$version function"
+expect_eq "import wevlin, { VERSION, createPage } from \"wevlin\"" \
+  "$(node --input-type=module -e 'import wevlin, { VERSION, createPage } from "wevlin";
+process.stdout.write(VERSION + " " + typeof createPage + " " + (wevlin.createPage === createPage))')" \
+  "$version function true"
+tsc="$source_dir/web/node_modules/.bin/tsc"
+if [ -x "$tsc" ]; then
+  cat >"$app/check.mts" <<'EOF'
+import wevlin, { VERSION, createPage } from "wevlin";
+const version: string = VERSION;
+const same: boolean = wevlin.createPage === createPage;
+export { version, same };
+EOF
+  cat >"$app/check.cts" <<'EOF'
+import wevlin = require("wevlin");
+const version: string = wevlin.VERSION;
+export = version;
+EOF
+  cat >"$app/tsconfig.json" <<'EOF'
+{
+  "compilerOptions": {
+    "module": "node16",
+    "moduleResolution": "node16",
+    "strict": true,
+    "noEmit": true,
+    "types": []
+  },
+  "files": ["check.mts", "check.cts"]
+}
+EOF
+  "$tsc" -p "$app/tsconfig.json"
+  echo "ok   the declarations type-check for import and require"
+else
+  echo "note: web/node_modules has no TypeScript (run scripts/test-web.sh first); type check skipped"
+fi
+cd "$source_dir"
+echo "== Packaging: all checks passed"

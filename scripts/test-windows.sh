@@ -1,0 +1,98 @@
+#!/usr/bin/env bash
+# Builds wevlin for 64-bit Windows on this Linux machine and runs it there
+# under Wine:
+#
+#   1. installs what is missing (MinGW-w64 with POSIX threads, Wine, the
+#      GoogleTest sources, CMake, Ninja);
+#   2. cross-builds the DLL, its import library, the examples and every unit
+#      test with the "windows-mingw" preset (GoogleTest and GoogleMock are
+#      compiled from /usr/src/googletest with the same compiler);
+#   3. runs the whole unit-test suite under Wine through CTest, and reports
+#      how long that took;
+#   4. installs the build into a temporary prefix and builds the consumer
+#      project of tests/package/find-package against it, which links only
+#      the import library and uses only the installed headers, and runs it
+#      under Wine too.
+#
+#   scripts/test-windows.sh
+#   BUILD_DIR=... JOBS=... WINEPREFIX=... scripts/test-windows.sh
+#
+# The Wine prefix defaults to <build>/wineprefix, so that the run touches
+# nothing in the home directory; creating it takes about half a minute once.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. scripts/lib/prereqs.sh
+
+ensure_packages cmake ninja-build g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix \
+  mingw-w64-x86-64-dev binutils-mingw-w64-x86-64 wine wine64 googletest
+
+source_dir="$PWD"
+build_dir="${BUILD_DIR:-build/windows-mingw}"
+jobs="${JOBS:-$(nproc)}"
+mkdir -p "$build_dir"
+build_dir="$(cd "$build_dir" && pwd)"
+
+export WINEPREFIX="${WINEPREFIX:-$build_dir/wineprefix}"
+export WINEDEBUG="${WINEDEBUG:--all}"
+# No Mono or Gecko installers for a prefix that only runs console programs.
+export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
+wine=/usr/lib/wine/wine64
+[ -x "$wine" ] || wine="$(command -v wine64 || command -v wine)"
+
+if [ ! -f "$WINEPREFIX/system.reg" ]; then
+  echo "== Creating the Wine prefix $WINEPREFIX"
+  "$wine" wineboot --init >/dev/null 2>&1
+  "$(dirname "$wine")/wineserver" -w 2>/dev/null || wineserver -w
+fi
+
+echo "== Configuring ($build_dir)"
+cmake --preset windows-mingw -B "$build_dir"
+
+echo "== Building"
+cmake --build "$build_dir" --parallel "$jobs"
+
+echo "== Cross-built files"
+dll="$build_dir/bin/libwevlin.dll"
+implib="$build_dir/wevlin/libwevlin.dll.a"
+for file in "$dll" "$implib"; do
+  [ -f "$file" ] || {
+    echo "missing: $file" >&2
+    exit 1
+  }
+  ls -l "$file"
+done
+x86_64-w64-mingw32-objdump -f "$dll" | grep -q "file format pei-x86-64" || {
+  echo "$dll is not a 64-bit Windows DLL" >&2
+  exit 1
+}
+exports="$(x86_64-w64-mingw32-objdump -p "$dll" | sed -n '/\[Ordinal\/Name Pointer\] Table/,/^$/p' | grep -c '\] ')"
+echo "libwevlin.dll exports $exports symbols"
+
+echo "== Running the example under Wine"
+"$wine" "$build_dir/bin/json_example.exe" | tail -n 1
+
+echo "== Running every unit test under Wine"
+start=$(date +%s)
+status=0
+ctest --test-dir "$build_dir" --output-on-failure --parallel "$jobs" || status=$?
+end=$(date +%s)
+echo "== Wine test run: $((end - start)) s"
+if [ "$status" -ne 0 ]; then
+  exit "$status"
+fi
+
+echo "== Installing and building a consumer against the import library"
+work="$(mktemp -d)"
+trap 'rm -rf "$work"' EXIT
+prefix="$work/prefix"
+cmake --install "$build_dir" --prefix "$prefix" >/dev/null
+# Wine looks for the runtime DLLs of the compiler beside wevlin's DLL in the
+# installed bin folder.
+export WINEPATH="Z:${prefix//\//\\}\\bin"
+cmake -S tests/package/find-package -B "$work/find-package" -G Ninja \
+  -DCMAKE_TOOLCHAIN_FILE="$source_dir/cmake/toolchains/mingw-w64-x86_64.cmake" \
+  -DCMAKE_BUILD_TYPE=Debug \
+  -Dwevlin_DIR="$prefix/lib/cmake/wevlin"
+cmake --build "$work/find-package" --parallel "$jobs"
+ctest --test-dir "$work/find-package" --output-on-failure
+echo "== Windows: all checks passed"

@@ -1,0 +1,190 @@
+#include "wevlin/infrastructure/services/version/_2014_02/TestVersionProxy.h"
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/MockHostControlInstance.h"
+#include "support/ScriptedPage.h"
+#include "support/TimerEnvironmentScope.h"
+#include "wevlin/infrastructure/interop/HostAPI.h"
+#include "wevlin/infrastructure/interop/HostControlInstance.h"
+#include "wevlin/infrastructure/interop/HostManager.h"
+#include "wevlin/infrastructure/interop/ITargetServiceDesc.h"
+#include "wevlin/infrastructure/interop/TargetConfig.h"
+#include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
+#include "wevlin/infrastructure/services/version/_2014_02/TestVersionResponseMsg.h"
+
+namespace {
+
+using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ITargetServiceDesc;
+using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Version::_2014_02::TestVersionProxy;
+using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Version::_2014_02::
+    TestVersionResponseMsg;
+using ::testing::_;
+using ::testing::Return;
+using ::testing::StrictMock;
+using wevlin_test::MockHostControlInstance;
+
+constexpr char kRequest[] =
+    R"({"Version": "_2014_02", "ServiceName": "tavo.wevlin.infrastructure.services.version.TestVersionSvc", "ServiceVersion": "_2014_02"})";
+
+TEST(TestVersionProxyTest, TargetsTheVersionTestServiceOfVersion2014_02) {
+  TestVersionProxy proxy(nullptr);
+  EXPECT_EQ(proxy.GetBaseServiceDescriptor()->GetFQN(),
+            "tavo.wevlin.infrastructure.services.version.TestVersionSvc");
+  EXPECT_EQ(proxy.GetBaseServiceDescriptor()->GetSvcVersion(), "_2014_02");
+}
+
+TEST(TestVersionProxyTest, WithoutInstanceReturnsTheDefaultAnswer) {
+  TestVersionProxy proxy(nullptr);
+  TestVersionResponseMsg answer = proxy.GetClientServiceVersion();
+  EXPECT_EQ(answer.ToJsonString(),
+            R"({"Version": "_2014_02", "ServiceName": "", "ServiceVersion": ""})");
+}
+
+TEST(TestVersionProxyTest, SendsARequestNamingItsTargetAndReturnsTheAnswer) {
+  StrictMock<MockHostControlInstance> instance;
+  TestVersionProxy proxy(&instance);
+  EXPECT_CALL(instance, InvokeWebMethod(proxy.GetBaseServiceDescriptor(), kRequest))
+      .WillOnce(Return(
+          R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.TestVersionSvc","ServiceVersion":"_2014_02","Version":"_2014_02"})"));
+  TestVersionResponseMsg answer = proxy.GetClientServiceVersion();
+  EXPECT_EQ(answer.ServiceName, "tavo.wevlin.infrastructure.services.version.TestVersionSvc");
+  EXPECT_EQ(answer.ServiceVersion, "_2014_02");
+  // The returned copy writes like the answer it was read into.
+  EXPECT_EQ(answer.ToJsonString(), kRequest);
+}
+
+TEST(TestVersionProxyTest, FailuresOfTheCallPassToTheCaller) {
+  StrictMock<MockHostControlInstance> instance;
+  TestVersionProxy proxy(&instance);
+  EXPECT_CALL(instance, InvokeWebMethod(_, _))
+      .WillOnce([](ITargetServiceDesc*, std::string) -> std::string {
+        throw std::runtime_error("Cannot talk to hosted content");
+      });
+  try {
+    proxy.GetClientServiceVersion();
+    FAIL() << "no exception";
+  } catch (const std::runtime_error& e) {
+    EXPECT_EQ(std::string(e.what()), "Cannot talk to hosted content");
+  }
+}
+
+TEST(TestVersionProxyDeathTest, AnAnswerOfAnotherVersionFailsTheVersionAssertion) {
+#ifdef NDEBUG
+  GTEST_SKIP() << "assertions are compiled out";
+#endif
+  StrictMock<MockHostControlInstance> instance;
+  TestVersionProxy proxy(&instance);
+  ON_CALL(instance, InvokeWebMethod(_, _))
+      .WillByDefault(Return(
+          R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.TestVersionSvc","ServiceVersion":"_2014_03","Result":true,"Version":"_2014_03"})"));
+  EXPECT_CALL(instance, InvokeWebMethod(_, _)).Times(::testing::AnyNumber());
+  EXPECT_DEATH(proxy.GetClientServiceVersion(),
+               "wevlin/infrastructure/services/version/_2014_02/"
+               "TestVersionProxy.*targetDesc->GetSvcVersion\\(\\) == "
+               "returnMessage\\.ServiceVersion");
+}
+
+TEST(TestVersionProxyDeathTest, AnAnswerThatIsNotJsonFailsTheNameAssertion) {
+#ifdef NDEBUG
+  GTEST_SKIP() << "assertions are compiled out";
+#endif
+  StrictMock<MockHostControlInstance> instance;
+  TestVersionProxy proxy(&instance);
+  ON_CALL(instance, InvokeWebMethod(_, _)).WillByDefault(Return("no such service"));
+  EXPECT_CALL(instance, InvokeWebMethod(_, _)).Times(::testing::AnyNumber());
+  EXPECT_DEATH(proxy.GetClientServiceVersion(),
+               "wevlin/infrastructure/services/version/_2014_02/"
+               "TestVersionProxy.*targetDesc->GetFQN\\(\\) == returnMessage\\.ServiceName");
+}
+
+// ---- End to end: the service on a host control instance over a scripted page
+
+namespace e2e = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
+
+// A fresh host manager, a scripted page, a host control instance on it that
+// has finished the handshake, and the API through which the page's script
+// calls the host. Services registered with the manager are deleted at the end
+// of each test.
+class TestVersionProxyEndToEndTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    previousManager_ = e2e::internal::HostManagerTestPeer::InstallFresh();
+    manager_ = e2e::HostManager::TheInstance();
+    instance_ = std::make_unique<e2e::HostControlInstance>(&page_);
+    api_ = std::make_unique<e2e::HostAPI>(instance_.get());
+    instance_->LaunchToTarget(&target_);
+    page_.CompleteLoad();
+    ASSERT_EQ(api_->tavoHost_WebSideStartHandShake(), "");
+    ASSERT_EQ(instance_->GetContentState(), e2e::LoadedCanTalk);
+    page_.ClearRecords();
+  }
+
+  void TearDown() override {
+    api_.reset();
+    Com::Velmora::TAVO::Wevlin::Infrastructure::Base::IObservableList<e2e::IHostServiceDescriptor*>*
+        own = instance_->KnownServices();
+    instance_.reset();
+    delete own;
+    std::vector<e2e::IHostServiceDescriptor*> services;
+    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
+      services.push_back(manager_->KnownServices()->GetAt(i));
+    }
+    e2e::internal::HostManagerTestPeer::Restore(previousManager_);
+    for (e2e::IHostServiceDescriptor* service : services) delete service;
+  }
+
+  wevlin_test::TimerEnvironmentScope env_;
+  wevlin_test::ScriptedPage page_;
+  e2e::TargetConfig target_{"app", "App", "https://app.example/"};
+  e2e::HostManager* previousManager_ = nullptr;
+  e2e::HostManager* manager_ = nullptr;
+  std::unique_ptr<e2e::HostControlInstance> instance_;
+  std::unique_ptr<e2e::HostAPI> api_;
+};
+
+TEST_F(TestVersionProxyEndToEndTest, TheRequestReachesThePageAsAMethodScriptLine) {
+  page_.MethodReply =
+      R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.TestVersionSvc","ServiceVersion":"_2014_02"})";
+  TestVersionProxy proxy(instance_.get());
+  TestVersionResponseMsg answer = proxy.GetClientServiceVersion();
+  EXPECT_EQ(answer.ToJsonString(), kRequest);
+  EXPECT_EQ(
+      page_.Scripts(),
+      std::vector<std::string>{
+          R"(tavoInterop_WebMethod('{"FQN": "tavo.wevlin.infrastructure.services.version.TestVersionSvc", )"
+          R"("SvcVersion": "_2014_02"}','{"Version": "_2014_02", "ServiceName": )"
+          R"("tavo.wevlin.infrastructure.services.version.TestVersionSvc", )"
+          R"("ServiceVersion": "_2014_02"}');)"});
+}
+
+TEST_F(TestVersionProxyEndToEndTest, WhenThePageCannotTalkTheCallFails) {
+  instance_->SetContentState(e2e::LoadedNoTalk);
+  TestVersionProxy proxy(instance_.get());
+  try {
+    proxy.GetClientServiceVersion();
+    FAIL() << "no exception";
+  } catch (const std::runtime_error& e) {
+    EXPECT_EQ(std::string(e.what()), "Cannot talk to hosted content");
+  }
+  EXPECT_TRUE(page_.Scripts().empty());
+}
+
+TEST_F(TestVersionProxyEndToEndTest, AnErrorRecordOfThePagePassesToTheCaller) {
+  page_.MethodReply = R"({"Exception": {"name": "Error", "message": "unknown service"}})";
+  TestVersionProxy proxy(instance_.get());
+  try {
+    proxy.GetClientServiceVersion();
+    FAIL() << "no exception";
+  } catch (const std::runtime_error& e) {
+    EXPECT_EQ(std::string(e.what()), "Error unknown service");
+  }
+}
+
+}  // namespace

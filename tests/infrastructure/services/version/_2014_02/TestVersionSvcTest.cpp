@@ -1,0 +1,203 @@
+#include "wevlin/infrastructure/services/version/_2014_02/TestVersionSvc.h"
+
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/MockHostControlInstance.h"
+#include "support/ScriptedPage.h"
+#include "support/TimerEnvironmentScope.h"
+#include "wevlin/infrastructure/interop/HostAPI.h"
+#include "wevlin/infrastructure/interop/HostControlInstance.h"
+#include "wevlin/infrastructure/interop/HostManager.h"
+#include "wevlin/infrastructure/interop/TargetConfig.h"
+#include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
+#include "wevlin/infrastructure/services/version/_2014_02/IHandleTestVersionSvc.h"
+#include "wevlin/infrastructure/services/version/_2014_02/TestVersionInputMsg.h"
+
+namespace {
+
+using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Version::_2014_02::
+    IHandleTestVersionSvc;
+using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Version::_2014_02::TestVersionInputMsg;
+using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Version::_2014_02::TestVersionSvc;
+using ::testing::StrictMock;
+using wevlin_test::MockHostControlInstance;
+
+static_assert(std::is_abstract_v<IHandleTestVersionSvc>);
+static_assert(!std::has_virtual_destructor_v<IHandleTestVersionSvc>);
+
+class CountingHandler : public IHandleTestVersionSvc {
+ public:
+  void OnTestVersion(const TestVersionInputMsg&) override { ++calls; }
+  int calls = 0;
+};
+
+constexpr char kReply[] =
+    R"({"Version": "_2014_02", "ServiceName": "tavo.wevlin.infrastructure.services.version.TestVersionSvc", "ServiceVersion": "_2014_02"})";
+
+TEST(TestVersionSvcTest, IsTheVersionTestServiceOfVersion2014_02) {
+  TestVersionSvc service(nullptr);
+  EXPECT_EQ(service.GetFQN(), "tavo.wevlin.infrastructure.services.version.TestVersionSvc");
+  EXPECT_EQ(service.GetSvcVersion(), "_2014_02");
+}
+
+TEST(TestVersionSvcTest, AMatchingRequestIsAnsweredWithThisServicesNameAndVersion) {
+  StrictMock<MockHostControlInstance> instance;
+  CountingHandler handler;
+  TestVersionSvc service(&handler);
+  EXPECT_EQ(
+      service.InvokeMethod(
+          &instance, &service,
+          R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.TestVersionSvc","ServiceVersion":"_2014_02","Version":"_2014_02"})"),
+      kReply);
+  EXPECT_EQ(handler.calls, 0);
+}
+
+TEST(TestVersionSvcTest, ARequestWithoutMessageVersionIsAnsweredAlike) {
+  TestVersionSvc service(nullptr);
+  EXPECT_EQ(
+      service.InvokeMethod(
+          nullptr, nullptr,
+          R"({"ServiceName": "tavo.wevlin.infrastructure.services.version.TestVersionSvc", "ServiceVersion": "_2014_02"})"),
+      kReply);
+}
+
+TEST(TestVersionSvcTest, APayloadThatIsNotJsonGetsTheEmptyReply) {
+  CountingHandler handler;
+  TestVersionSvc service(&handler);
+  EXPECT_EQ(service.InvokeMethod(nullptr, &service, "not json"), "");
+  EXPECT_EQ(service.InvokeMethod(nullptr, &service, ""), "");
+  EXPECT_EQ(service.InvokeMethod(nullptr, &service, "[1]"), "");
+  EXPECT_EQ(handler.calls, 0);
+}
+
+TEST(TestVersionSvcTest, AnEventIsIgnored) {
+  CountingHandler handler;
+  TestVersionSvc service(&handler);
+  service.InvokeEvent(nullptr, &service, "not json");
+  EXPECT_EQ(handler.calls, 0);
+}
+
+TEST(TestVersionSvcTest, ACopyAnswersAlike) {
+  TestVersionSvc original(nullptr);
+  TestVersionSvc copy(original);
+  EXPECT_EQ(
+      copy.InvokeMethod(
+          nullptr, nullptr,
+          R"({"ServiceName": "tavo.wevlin.infrastructure.services.version.TestVersionSvc", "ServiceVersion": "_2014_02"})"),
+      kReply);
+}
+
+TEST(TestVersionSvcDeathTest, AnotherServiceNameFailsTheNameAssertion) {
+#ifdef NDEBUG
+  GTEST_SKIP() << "assertions are compiled out";
+#endif
+  TestVersionSvc service(nullptr);
+  EXPECT_DEATH(
+      service.InvokeMethod(
+          nullptr, nullptr,
+          R"({"ServiceName": "tavo.wevlin.infrastructure.services.version.TestVersion", "ServiceVersion": "_2014_02"})"),
+      "wevlin/infrastructure/services/version/_2014_02/"
+      "TestVersionSvc.*inputMessage\\.ServiceName == GetFQN\\(\\)");
+}
+
+TEST(TestVersionSvcDeathTest, ARequestOfVersion2014_03FailsTheVersionAssertion) {
+#ifdef NDEBUG
+  GTEST_SKIP() << "assertions are compiled out";
+#endif
+  TestVersionSvc service(nullptr);
+  EXPECT_DEATH(
+      service.InvokeMethod(
+          nullptr, nullptr,
+          R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.TestVersionSvc","ServiceVersion":"_2014_03","ExtraInfo":"Extra Info","Version":"_2014_03"})"),
+      "wevlin/infrastructure/services/version/_2014_02/"
+      "TestVersionSvc.*inputMessage\\.ServiceVersion == GetSvcVersion\\(\\)");
+}
+
+TEST(TestVersionSvcDeathTest, AnEmptyRequestFailsTheNameAssertion) {
+#ifdef NDEBUG
+  GTEST_SKIP() << "assertions are compiled out";
+#endif
+  TestVersionSvc service(nullptr);
+  EXPECT_DEATH(service.InvokeMethod(nullptr, nullptr, "{}"),
+               "inputMessage\\.ServiceName == GetFQN\\(\\)");
+}
+
+// ---- End to end: the service on a host control instance over a scripted page
+
+namespace e2e = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
+
+// A fresh host manager, a scripted page, a host control instance on it that
+// has finished the handshake, and the API through which the page's script
+// calls the host. Services registered with the manager are deleted at the end
+// of each test.
+class TestVersionSvcEndToEndTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    previousManager_ = e2e::internal::HostManagerTestPeer::InstallFresh();
+    manager_ = e2e::HostManager::TheInstance();
+    instance_ = std::make_unique<e2e::HostControlInstance>(&page_);
+    api_ = std::make_unique<e2e::HostAPI>(instance_.get());
+    instance_->LaunchToTarget(&target_);
+    page_.CompleteLoad();
+    ASSERT_EQ(api_->tavoHost_WebSideStartHandShake(), "");
+    ASSERT_EQ(instance_->GetContentState(), e2e::LoadedCanTalk);
+    page_.ClearRecords();
+  }
+
+  void TearDown() override {
+    api_.reset();
+    Com::Velmora::TAVO::Wevlin::Infrastructure::Base::IObservableList<e2e::IHostServiceDescriptor*>*
+        own = instance_->KnownServices();
+    instance_.reset();
+    delete own;
+    std::vector<e2e::IHostServiceDescriptor*> services;
+    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
+      services.push_back(manager_->KnownServices()->GetAt(i));
+    }
+    e2e::internal::HostManagerTestPeer::Restore(previousManager_);
+    for (e2e::IHostServiceDescriptor* service : services) delete service;
+  }
+
+  wevlin_test::TimerEnvironmentScope env_;
+  wevlin_test::ScriptedPage page_;
+  e2e::TargetConfig target_{"app", "App", "https://app.example/"};
+  e2e::HostManager* previousManager_ = nullptr;
+  e2e::HostManager* manager_ = nullptr;
+  std::unique_ptr<e2e::HostControlInstance> instance_;
+  std::unique_ptr<e2e::HostAPI> api_;
+};
+
+constexpr char kTestVersionHost2014_02[] =
+    R"({"FQN": "tavo.wevlin.infrastructure.services.version.TestVersionSvc", )"
+    R"("SvcVersion": "_2014_02"})";
+
+TEST_F(TestVersionSvcEndToEndTest, ThePageReceivesTheServicesNameAndVersion) {
+  CountingHandler handler;
+  manager_->RegisterService(new TestVersionSvc(&handler));
+  EXPECT_EQ(
+      api_->tavoHostMethod(
+          kTestVersionHost2014_02,
+          R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.TestVersionSvc","ServiceVersion":"_2014_02","Version":"_2014_02"})"),
+      kReply);
+  EXPECT_EQ(api_->tavoHostMethod(kTestVersionHost2014_02, "not json"), "");
+  EXPECT_EQ(handler.calls, 0);
+  EXPECT_TRUE(page_.Scripts().empty());
+}
+
+TEST_F(TestVersionSvcEndToEndTest, AVersionThatIsNotRegisteredIsNotFound) {
+  manager_->RegisterService(new TestVersionSvc(nullptr));
+  EXPECT_EQ(api_->tavoHostMethod(
+                R"({"FQN": "tavo.wevlin.infrastructure.services.version.TestVersionSvc", )"
+                R"("SvcVersion": "_2014_03"})",
+                "{}"),
+            R"({"Exception": {"name": "std::invalid_argument", "message": "No matching service )"
+            R"(descriptor found for: tavo.wevlin.infrastructure.services.version.TestVersionSvc )"
+            R"(ver: _2014_03"}})");
+}
+
+}  // namespace

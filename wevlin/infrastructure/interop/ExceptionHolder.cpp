@@ -1,0 +1,19 @@
+#include "wevlin/infrastructure/interop/ExceptionHolder.h"
+
+namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
+
+ExceptionHolder::ExceptionHolder() { RegisterField("Exception", Exception); }
+
+ExceptionHolder::ExceptionHolder(const ExceptionHolder& other)
+    : DataContract(other), Exception(other.Exception) {
+  RegisterField("Exception", Exception);
+}
+
+ExceptionHolder& ExceptionHolder::operator=(const ExceptionHolder& other) {
+  Exception = other.Exception;
+  return *this;
+}
+
+ExceptionHolder::~ExceptionHolder() = default;
+
+}  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop

@@ -1,0 +1,878 @@
+#include "wevlin/infrastructure/interop/internal/JsonText.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <locale>
+#include <sstream>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "wevlin/infrastructure/base/internal/Log.h"
+#include "wevlin/infrastructure/interop/JsonObject.h"
+#include "wevlin/infrastructure/interop/JsonValue.h"
+
+namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::internal {
+namespace {
+
+using Base::internal::WriteLogLine;
+
+constexpr char kNotAString[] = "JSON data is not a string";
+constexpr char kInvalidEscape[] = "Invalid escape character";
+constexpr char kNotABoolean[] = "JSON data is not a boolean";
+constexpr char kNotAnInteger[] = "JSON data is not an integer";
+constexpr char kNotAFloat[] = "JSON data is not a float";
+constexpr char kNotADouble[] = "JSON data is not a double";
+constexpr char kNotAnArray[] = "JSON data is not an array";
+constexpr char kNotAnObject[] = "JSON data is not an object";
+
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+[[noreturn]] void Fail(const char* message) { throw std::runtime_error(message); }
+
+// isspace in the classic locale: blank, \t, \n, \v, \f, \r.
+inline bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+// isspace or iscntrl in the classic locale: bytes 0 to 32 and 127.
+inline bool IsTrimmed(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte <= 0x20 || byte == 0x7f;
+}
+
+// The second character of the escape that EscapeJsonString writes for each
+// byte, or 0 for a byte that is copied unchanged.
+constexpr std::array<char, 256> MakeEscapeTable() {
+  std::array<char, 256> table{};
+  table['\b'] = 'b';
+  table['\t'] = 't';
+  table['\n'] = 'n';
+  table['\f'] = 'f';
+  table['\r'] = 'r';
+  table['"'] = '"';
+  table['/'] = '/';
+  table['\\'] = '\\';
+  return table;
+}
+constexpr std::array<char, 256> kEscapeTable = MakeEscapeTable();
+
+// ---------------------------------------------------------------------------
+// Number formatting. std::to_chars with an explicit precision formats exactly
+// as printf does in the C locale, and never looks at any locale.
+
+void AppendInt(std::string& out, int value) {
+  char buffer[16];
+  const auto result = std::to_chars(buffer, buffer + sizeof(buffer), value);
+  out.append(buffer, static_cast<std::size_t>(result.ptr - buffer));
+}
+
+void AppendGeneral(std::string& out, double value, int precision) {
+  if (!std::isfinite(value)) {
+    // The C runtimes spell infinity and NaN differently (a negative NaN is
+    // "-nan" with glibc but "nan" with Windows' runtime), and to_chars follows
+    // none of them: ask the stream itself. Rare, so its cost does not matter.
+    std::ostringstream stream;
+    stream.imbue(std::locale::classic());
+    stream.precision(precision);
+    stream << value;
+    out += stream.str();
+    return;
+  }
+  char buffer[64];
+  const auto result =
+      std::to_chars(buffer, buffer + sizeof(buffer), value, std::chars_format::general, precision);
+  out.append(buffer, static_cast<std::size_t>(result.ptr - buffer));
+}
+
+// ---------------------------------------------------------------------------
+// Number reading. The stream extraction is the reference; the fast paths take
+// only texts whose stream result is beyond doubt and hand everything else to
+// the stream.
+
+template <typename T>
+bool StreamExtract(std::string_view text, T& value) {
+  std::istringstream stream{std::string(text)};
+  stream.imbue(std::locale::classic());
+  stream >> value;
+  return !stream.fail() && !stream.bad() && stream.eof();
+}
+
+// Reads an optional sign followed by decimal digits only. Returns 1 for a
+// value, 0 for such a text out of the range of int, and -1 for any other text.
+int FastInt(std::string_view text, int& value) {
+  const char* p = text.data();
+  const char* end = p + text.size();
+  bool negative = false;
+  if (p < end && (*p == '+' || *p == '-')) {
+    negative = *p == '-';
+    ++p;
+  }
+  if (p == end) return -1;
+  const std::int64_t limit = negative ? std::int64_t{2147483648} : std::int64_t{2147483647};
+  std::int64_t magnitude = 0;
+  bool overflow = false;
+  for (; p < end; ++p) {
+    const char c = *p;
+    if (c < '0' || c > '9') return -1;
+    if (!overflow) {
+      magnitude = magnitude * 10 + (c - '0');
+      overflow = magnitude > limit;
+    }
+  }
+  if (overflow) return 0;
+  value = static_cast<int>(negative ? -magnitude : magnitude);
+  return 1;
+}
+
+// Reads an optional sign, decimal digits and at most one decimal point, with
+// at least one digit and at most `maxLength` characters after the sign (short
+// enough that the value can neither overflow nor underflow the type).
+// Returns false for any other text, leaving the stream to decide.
+template <typename T>
+bool FastFloating(std::string_view text, std::size_t maxLength, T& value) {
+  const char* first = text.data();
+  const char* end = first + text.size();
+  const char* p = first;
+  if (p < end && (*p == '+' || *p == '-')) ++p;
+  if (p == end || static_cast<std::size_t>(end - p) > maxLength) return false;
+  bool digit = false;
+  bool point = false;
+  for (const char* q = p; q < end; ++q) {
+    if (*q >= '0' && *q <= '9') {
+      digit = true;
+    } else if (*q == '.' && !point) {
+      point = true;
+    } else {
+      return false;
+    }
+  }
+  if (!digit) return false;
+  // std::from_chars takes a minus sign but no plus sign.
+  if (*first == '+') ++first;
+  T parsed{};
+  const auto result = std::from_chars(first, end, parsed, std::chars_format::general);
+  if (result.ec != std::errc() || result.ptr != end) return false;
+  value = parsed;
+  return true;
+}
+
+// ---------------------------------------------------------------------------
+// Skipping quoted strings and nested arrays and objects.
+
+// Moves `p` from an opening double quote to just past the matching unescaped
+// double quote (a backslash escapes the byte after it). Returns false, leaving
+// `p` alone, if the text ends first.
+bool SkipQuoted(const char*& p, const char* end) {
+  const char* const contentStart = p + 1;
+  const char* q = contentStart;
+  while (q < end) {
+    const void* hit = std::memchr(q, '"', static_cast<std::size_t>(end - q));
+    if (hit == nullptr) return false;
+    const char* quote = static_cast<const char*>(hit);
+    // The quote is escaped when an odd run of backslashes stands before it.
+    const char* run = quote;
+    while (run > contentStart && run[-1] == '\\') --run;
+    if (((quote - run) & 1) == 0) {
+      p = quote + 1;
+      return true;
+    }
+    q = quote + 1;
+  }
+  return false;
+}
+
+// A stack of the kinds (array or object) of the nested structures still open,
+// one bit each, without heap use for the first 256 levels.
+class OpenStack {
+ public:
+  void Push(bool object) {
+    const std::size_t word = size_ / 64;
+    if (word >= kInlineWords && word - kInlineWords == spill_.size()) spill_.push_back(0);
+    const std::uint64_t bit = std::uint64_t{1} << (size_ % 64);
+    std::uint64_t& bits = Word(word);
+    bits = object ? (bits | bit) : (bits & ~bit);
+    ++size_;
+  }
+  void Pop() { --size_; }
+  bool TopIsObject() {
+    const std::size_t top = size_ - 1;
+    return ((Word(top / 64) >> (top % 64)) & 1) != 0;
+  }
+  std::size_t Size() const { return size_; }
+
+ private:
+  static constexpr std::size_t kInlineWords = 4;
+  std::uint64_t& Word(std::size_t index) {
+    return index < kInlineWords ? inline_[index] : spill_[index - kInlineWords];
+  }
+  std::uint64_t inline_[kInlineWords] = {};
+  std::vector<std::uint64_t> spill_;
+  std::size_t size_ = 0;
+};
+
+// Where one nested array or object of a text starts and ends, recorded when a
+// reading first skips over it so that the readings of the levels inside it
+// skip their own nested structures without scanning them again.
+struct Nest {
+  const char* open;   // the "[" or "{"
+  const char* after;  // just past the closer; null while (or if never) closed
+  std::size_t next;   // index of the first record after this one's subtree
+};
+
+// The records of one reading, in the order of their opening characters, so
+// that the records inside a structure directly follow its own record.
+struct NestIndex {
+  std::vector<Nest> nests;
+  std::vector<std::size_t> open;  // scratch: records still open during a skip
+};
+
+// Skips the array or object at `p` (an opening "[" or "{" before `end`),
+// with the results and lines of EndOfArray and EndOfObject. With `index`,
+// records every structure met whose depth is at most kMaxJsonDepth + 1, the
+// one at `p` being at `depth`, and sets `first` to the record of the one at
+// `p`.
+bool SkipNested(const char*& p, const char* end, NestIndex* index, std::size_t depth,
+                std::size_t& first) {
+  OpenStack stack;
+  first = kNone;
+  if (index != nullptr) index->open.clear();
+  const char* q = p;
+  for (;;) {
+    // `q` is on an opening character.
+    const bool object = *q == '{';
+    stack.Push(object);
+    if (index != nullptr && depth + stack.Size() - 1 <= kMaxJsonDepth + 1) {
+      const std::size_t record = index->nests.size();
+      index->nests.push_back(Nest{q, nullptr, 0});
+      index->open.push_back(record);
+      if (first == kNone) first = record;
+    }
+    ++q;
+    char closer = object ? '}' : ']';
+    for (;;) {
+      if (q == end) {
+        WriteLogLine(closer == '}' ? "EndOfObject: final character incorrect"
+                                   : "EndOfArray: final character incorrect");
+        p = end;
+        return false;
+      }
+      const char c = *q;
+      if (c == closer) {
+        if (index != nullptr && depth + stack.Size() - 1 <= kMaxJsonDepth + 1) {
+          Nest& nest = index->nests[index->open.back()];
+          nest.after = q + 1;
+          nest.next = index->nests.size();
+          index->open.pop_back();
+        }
+        stack.Pop();
+        ++q;
+        if (stack.Size() == 0) {
+          p = q;
+          return true;
+        }
+        closer = stack.TopIsObject() ? '}' : ']';
+      } else if (c == '"') {
+        if (!SkipQuoted(q, end)) {
+          p = end;
+          return false;
+        }
+      } else if (c == '[' || c == '{') {
+        break;
+      } else {
+        ++q;
+      }
+    }
+  }
+}
+
+// How the cutting of one array or object skips its nested structures: by the
+// records of an earlier skip (while they match), or by scanning.
+struct NestCursor {
+  NestIndex* index;   // null: scan without recording
+  std::size_t next;   // the record expected for the next nested structure, or kNone
+  std::size_t depth;  // depth of the structures nested directly in this one
+};
+
+NestCursor ScanningCursor() { return NestCursor{nullptr, kNone, 0}; }
+
+// Skips the nested array or object at `p`, setting `nest` to its record.
+bool SkipChild(const char*& p, const char* end, NestCursor& cursor, std::size_t& nest) {
+  if (cursor.next != kNone) {
+    const std::vector<Nest>& nests = cursor.index->nests;
+    if (cursor.next < nests.size()) {
+      const Nest& recorded = nests[cursor.next];
+      if (recorded.open == p && recorded.after != nullptr && recorded.after <= end) {
+        nest = cursor.next;
+        p = recorded.after;
+        cursor.next = recorded.next;
+        return true;
+      }
+    }
+    // Not as recorded: scan the rest of this level.
+    cursor.next = kNone;
+  }
+  return SkipNested(p, end, cursor.index, cursor.depth, nest);
+}
+
+// ---------------------------------------------------------------------------
+// Cutting arrays and objects into raw element texts. `text` is trimmed and
+// starts with the opening character. The sink receives each element as
+// (begin, end, record of the first structure nested in it or kNone); for
+// objects, preceded by the name.
+
+template <typename Sink>
+bool CutArray(std::string_view text, NestCursor& cursor, Sink&& sink) {
+  const char* p = text.data() + 1;
+  const char* const end = text.data() + text.size();
+  if (p == end) Fail(kNotAnArray);
+  const char* start = nullptr;
+  std::size_t startNest = kNone;
+  while (p < end) {
+    const char c = *p;
+    switch (c) {
+      case ',':
+        if (start != nullptr) {
+          sink(start, p, startNest);
+          start = nullptr;
+        }
+        ++p;
+        break;
+      case ']':
+        if (start != nullptr) sink(start, p, startNest);
+        return true;
+      case '"':
+        if (start == nullptr) {
+          start = p;
+          startNest = kNone;
+        }
+        if (!SkipQuoted(p, end)) return false;
+        break;
+      case '[':
+      case '{': {
+        if (start == nullptr) {
+          start = p;
+          startNest = kNone;
+        }
+        std::size_t nest = kNone;
+        if (!SkipChild(p, end, cursor, nest)) return false;
+        if (startNest == kNone) startNest = nest;
+        break;
+      }
+      default:
+        if (start == nullptr && !IsSpace(c)) {
+          start = p;
+          startNest = kNone;
+        }
+        ++p;
+        break;
+    }
+  }
+  Fail(kNotAnArray);
+}
+
+template <typename Sink>
+bool CutObject(std::string_view text, NestCursor& cursor, Sink&& sink) {
+  const char* p = text.data() + 1;
+  const char* const end = text.data() + text.size();
+  const char* start = nullptr;
+  std::size_t startNest = kNone;
+  std::string name;  // the pending name; empty counts as none
+  while (p < end) {
+    const char c = *p;
+    switch (c) {
+      case ':': {
+        if (start == nullptr) return false;
+        const std::string_view token(start, static_cast<std::size_t>(p - start));
+        if (!ReadJsonStringView(token, name)) {
+          WriteLogLine("ParseObject: rejecting property name " + std::string(token));
+          return false;
+        }
+        start = nullptr;
+        ++p;
+        break;
+      }
+      case ',':
+        if (start == nullptr || name.empty()) return false;
+        sink(std::move(name), start, p, startNest);
+        name.clear();
+        start = nullptr;
+        ++p;
+        break;
+      case '}':
+        if (name.empty()) return start == nullptr;
+        if (start == nullptr) return false;
+        sink(std::move(name), start, p, startNest);
+        return true;
+      case '[':
+      case '{': {
+        if (name.empty()) return false;
+        if (start == nullptr) {
+          start = p;
+          startNest = kNone;
+        }
+        std::size_t nest = kNone;
+        if (!SkipChild(p, end, cursor, nest)) return false;
+        if (startNest == kNone) startNest = nest;
+        break;
+      }
+      case '"':
+        if (start == nullptr) {
+          start = p;
+          startNest = kNone;
+        }
+        if (!SkipQuoted(p, end)) return false;
+        break;
+      default:
+        if (start == nullptr && !IsSpace(c)) {
+          start = p;
+          startNest = kNone;
+        }
+        ++p;
+        break;
+    }
+  }
+  Fail(kNotAnObject);
+}
+
+// ---------------------------------------------------------------------------
+// Reading values. One Reader serves one top-level reading: it keeps the
+// records of nested structures and, as stacks shared by all levels, the
+// element texts and properties cut but not yet read.
+
+struct Slice {
+  const char* begin;
+  const char* end;
+  std::size_t nest;  // record of the first structure nested in the slice, or kNone
+};
+
+struct Property {
+  std::string name;
+  Slice value;
+  std::size_t order;  // position in the text, so that the last duplicate wins
+};
+
+class Reader {
+ public:
+  // Reads `raw` into `out`, which is Null. `depth` is the depth the value has
+  // if it is an array or object.
+  bool ReadValue(const Slice& raw, JsonValue& out, std::size_t depth) {
+    const std::string_view text = TrimJsonTextView(
+        std::string_view(raw.begin, static_cast<std::size_t>(raw.end - raw.begin)));
+    switch (text.empty() ? '\0' : text.front()) {
+      case '"': {
+        std::string value;
+        ReadJsonStringView(text, value);
+        out.SetValue(std::move(value));
+        return true;
+      }
+      case '[':
+        return ReadArray(text, raw.nest, depth, out);
+      case 't':
+      case 'f': {
+        bool value = false;
+        ReadJsonBoolView(text, value);
+        out.SetValue(value);
+        return true;
+      }
+      case 'n':
+        return text == "null";
+      case '{': {
+        JsonObject object;
+        if (!ReadObject(text, raw.nest, depth, object)) return false;
+        out.SetValue(std::move(object));
+        return true;
+      }
+      default:
+        if (text.find('.') != std::string_view::npos) {
+          double value = 0.0;
+          ReadJsonDoubleView(text, value);
+          out.SetValue(value);
+        } else {
+          int value = 0;
+          ReadJsonIntView(text, value);
+          out.SetValue(value);
+        }
+        return true;
+    }
+  }
+
+  // Reads the object `text` (trimmed, starting with "{") into `out`, which is
+  // replaced only on success.
+  bool ReadObject(std::string_view text, std::size_t nest, std::size_t depth, JsonObject& out) {
+    if (depth > kMaxJsonDepth) return false;
+    NestCursor cursor = CursorFor(text.data(), nest, depth);
+    const std::size_t base = properties_.size();
+    std::size_t order = 0;
+    const bool cut =
+        CutObject(text, cursor,
+                  [this, &order](std::string&& name, const char* b, const char* e, std::size_t n) {
+                    properties_.push_back(Property{std::move(name), Slice{b, e, n}, order++});
+                  });
+    if (!cut) return false;
+    // Values are read in ascending name order; of equal names the last wins.
+    std::sort(properties_.begin() + static_cast<std::ptrdiff_t>(base), properties_.end(),
+              [](const Property& a, const Property& b) {
+                const int compared = a.name.compare(b.name);
+                return compared < 0 || (compared == 0 && a.order < b.order);
+              });
+    JsonObject result;
+    const std::size_t top = properties_.size();
+    for (std::size_t i = base; i < top; ++i) {
+      if (i + 1 < top && properties_[i + 1].name == properties_[i].name) continue;
+      JsonValue value;
+      const Slice slice = properties_[i].value;
+      if (!ReadValue(slice, value, depth + 1)) return false;
+      result.SetProperty(std::move(properties_[i].name), std::move(value));
+    }
+    properties_.resize(base);
+    out = std::move(result);
+    return true;
+  }
+
+ private:
+  bool ReadArray(std::string_view text, std::size_t nest, std::size_t depth, JsonValue& out) {
+    if (depth > kMaxJsonDepth) return false;
+    NestCursor cursor = CursorFor(text.data(), nest, depth);
+    const std::size_t base = elements_.size();
+    const bool cut = CutArray(text, cursor, [this](const char* b, const char* e, std::size_t n) {
+      elements_.push_back(Slice{b, e, n});
+    });
+    if (!cut) return false;
+    std::vector<JsonValue> values(elements_.size() - base);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      const Slice slice = elements_[base + i];
+      if (!ReadValue(slice, values[i], depth + 1)) return false;
+    }
+    elements_.resize(base);
+    out.SetValue(std::move(values));
+    return true;
+  }
+
+  // Returns the cursor for cutting the structure that opens at `open`: by the
+  // records when `nest` is its record, else scanning and recording.
+  NestCursor CursorFor(const char* open, std::size_t nest, std::size_t depth) {
+    if (nest != kNone && nest < index_.nests.size() && index_.nests[nest].open == open &&
+        index_.nests[nest].after != nullptr) {
+      return NestCursor{&index_, nest + 1, depth + 1};
+    }
+    return NestCursor{&index_, kNone, depth + 1};
+  }
+
+  NestIndex index_;
+  std::vector<Slice> elements_;
+  std::vector<Property> properties_;
+};
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+
+std::string_view TrimJsonTextView(std::string_view text) {
+  std::size_t begin = 0;
+  std::size_t end = text.size();
+  while (begin < end && IsTrimmed(text[begin])) ++begin;
+  while (end > begin && IsTrimmed(text[end - 1])) --end;
+  return text.substr(begin, end - begin);
+}
+
+std::string TrimJsonText(const std::string& text) { return std::string(TrimJsonTextView(text)); }
+
+namespace {
+
+// Appends `text` to `out` with the escapes of EscapeJsonString.
+void AppendEscaped(std::string& out, std::string_view text) {
+  const char* run = text.data();
+  const char* const end = run + text.size();
+  for (const char* p = run; p < end; ++p) {
+    const char escape = kEscapeTable[static_cast<unsigned char>(*p)];
+    if (escape != 0) {
+      out.append(run, static_cast<std::size_t>(p - run));
+      out += '\\';
+      out += escape;
+      run = p + 1;
+    }
+  }
+  out.append(run, static_cast<std::size_t>(end - run));
+}
+
+}  // namespace
+
+void AppendJsonString(std::string& out, std::string_view text) {
+  out.reserve(out.size() + text.size() + 2);
+  out += '"';
+  AppendEscaped(out, text);
+  out += '"';
+}
+
+std::string EscapeJsonString(const std::string& text) {
+  std::string escaped;
+  escaped.reserve(text.size());
+  AppendEscaped(escaped, text);
+  return escaped;
+}
+
+std::string FormatJsonString(const std::string& text) {
+  std::string quoted;
+  AppendJsonString(quoted, text);
+  return quoted;
+}
+
+std::string FormatInt(int value) {
+  std::string text;
+  AppendInt(text, value);
+  return text;
+}
+
+std::string FormatFloat(float value) {
+  std::string text;
+  AppendGeneral(text, static_cast<double>(value), 6);
+  return text;
+}
+
+std::string FormatDouble(double value) {
+  std::string text;
+  AppendGeneral(text, value, 17);
+  return text;
+}
+
+std::string FormatBool(bool value) { return value ? "true" : "false"; }
+
+bool ReadJsonStringView(std::string_view text, std::string& out) {
+  out.clear();
+  text = TrimJsonTextView(text);
+  if (text.empty() || text.front() != '"') Fail(kNotAString);
+  const char* p = text.data() + 1;
+  const char* const end = text.data() + text.size();
+  for (;;) {
+    const char* run = p;
+    while (p < end && *p != '"' && *p != '\\') ++p;
+    out.append(run, static_cast<std::size_t>(p - run));
+    if (p == end) Fail(kNotAString);
+    if (*p == '"') return true;
+    // A backslash: decode the escape after it.
+    if (p + 1 == end) Fail(kNotAString);
+    switch (p[1]) {
+      case '"':
+        out += '"';
+        break;
+      case '/':
+        out += '/';
+        break;
+      case '\\':
+        out += '\\';
+        break;
+      case 'b':
+        out += '\b';
+        break;
+      case 'f':
+        out += '\f';
+        break;
+      case 'n':
+        out += '\n';
+        break;
+      case 'r':
+        out += '\r';
+        break;
+      case 't':
+        out += '\t';
+        break;
+      case 'u':
+        // Dropped; the digits after it are copied as ordinary characters.
+        break;
+      default:
+        Fail(kInvalidEscape);
+    }
+    p += 2;
+  }
+}
+
+bool ReadJsonString(const std::string& text, std::string& out) {
+  return ReadJsonStringView(text, out);
+}
+
+bool ReadJsonBoolView(std::string_view text, bool& out) {
+  text = TrimJsonTextView(text);
+  if (text == "true") {
+    out = true;
+  } else if (text == "false") {
+    out = false;
+  } else {
+    Fail(kNotABoolean);
+  }
+  return true;
+}
+
+bool ReadJsonBool(const std::string& text, bool& out) { return ReadJsonBoolView(text, out); }
+
+bool ReadJsonIntView(std::string_view text, int& out) {
+  text = TrimJsonTextView(text);
+  int value = 0;
+  const int fast = FastInt(text, value);
+  if (fast == 0 || (fast < 0 && !StreamExtract(text, value))) Fail(kNotAnInteger);
+  out = value;
+  return true;
+}
+
+bool ReadJsonInt(const std::string& text, int& out) { return ReadJsonIntView(text, out); }
+
+bool ReadJsonFloatView(std::string_view text, float& out) {
+  text = TrimJsonTextView(text);
+  float value = 0.0f;
+  if (!FastFloating(text, 30, value) && !StreamExtract(text, value)) Fail(kNotAFloat);
+  out = value;
+  return true;
+}
+
+bool ReadJsonFloat(const std::string& text, float& out) { return ReadJsonFloatView(text, out); }
+
+bool ReadJsonDoubleView(std::string_view text, double& out) {
+  text = TrimJsonTextView(text);
+  double value = 0.0;
+  if (!FastFloating(text, 250, value) && !StreamExtract(text, value)) Fail(kNotADouble);
+  out = value;
+  return true;
+}
+
+bool ReadJsonDouble(const std::string& text, double& out) { return ReadJsonDoubleView(text, out); }
+
+bool ParseArray(const std::string& text, std::vector<std::string>& out) {
+  out.clear();
+  const std::string_view trimmed = TrimJsonTextView(text);
+  if (trimmed.empty() || trimmed.front() != '[') Fail(kNotAnArray);
+  NestCursor cursor = ScanningCursor();
+  return CutArray(trimmed, cursor,
+                  [&out](const char* b, const char* e, std::size_t) { out.emplace_back(b, e); });
+}
+
+bool ParseArrayView(std::string_view text, std::vector<std::string_view>& out) {
+  out.clear();
+  const std::string_view trimmed = TrimJsonTextView(text);
+  if (trimmed.empty() || trimmed.front() != '[') Fail(kNotAnArray);
+  NestCursor cursor = ScanningCursor();
+  return CutArray(trimmed, cursor, [&out](const char* b, const char* e, std::size_t) {
+    out.emplace_back(b, static_cast<std::size_t>(e - b));
+  });
+}
+
+bool ParseObject(const std::string& text, std::map<std::string, std::string>& out) {
+  const std::string_view trimmed = TrimJsonTextView(text);
+  if (trimmed.empty() || trimmed.front() != '{') Fail(kNotAnObject);
+  out.clear();
+  NestCursor cursor = ScanningCursor();
+  return CutObject(trimmed, cursor,
+                   [&out](std::string&& name, const char* b, const char* e, std::size_t) {
+                     out.insert_or_assign(std::move(name), std::string(b, e));
+                   });
+}
+
+bool ParseObjectView(std::string_view text,
+                     std::map<std::string, std::string_view, std::less<>>& out) {
+  const std::string_view trimmed = TrimJsonTextView(text);
+  if (trimmed.empty() || trimmed.front() != '{') Fail(kNotAnObject);
+  out.clear();
+  NestCursor cursor = ScanningCursor();
+  return CutObject(
+      trimmed, cursor, [&out](std::string&& name, const char* b, const char* e, std::size_t) {
+        out.insert_or_assign(std::move(name), std::string_view(b, static_cast<std::size_t>(e - b)));
+      });
+}
+
+bool EndOfArray(const char*& cursor, const char* end) {
+  if (!(cursor < end) || *cursor != '[') {
+    WriteLogLine("EndOfArray: initial character incorrect");
+    return false;
+  }
+  std::size_t unused = kNone;
+  return SkipNested(cursor, end, nullptr, 0, unused);
+}
+
+bool EndOfObject(const char*& cursor, const char* end) {
+  if (!(cursor < end) || *cursor != '{') {
+    WriteLogLine("EndOfObject: initial character incorrect");
+    return false;
+  }
+  std::size_t unused = kNone;
+  return SkipNested(cursor, end, nullptr, 0, unused);
+}
+
+bool ReadJsonValue(std::string_view text, JsonValue& out) {
+  // Read aside, so that `text` may even lie inside `out`; `out` ends Null
+  // after a false result or an exception.
+  struct ClearOnFailure {
+    JsonValue* value;
+    ~ClearOnFailure() {
+      if (value != nullptr) value->Clear();
+    }
+  } guard{&out};
+  JsonValue result;
+  Reader reader;
+  if (!reader.ReadValue(Slice{text.data(), text.data() + text.size(), kNone}, result, 1)) {
+    return false;
+  }
+  guard.value = nullptr;
+  out = std::move(result);
+  return true;
+}
+
+bool ReadJsonObject(std::string_view text, JsonObject& out) {
+  const std::string_view trimmed = TrimJsonTextView(text);
+  if (trimmed.empty() || trimmed.front() != '{') Fail(kNotAnObject);
+  Reader reader;
+  return reader.ReadObject(trimmed, kNone, 1, out);
+}
+
+void AppendJsonObject(std::string& out, const JsonObject& object) {
+  out += '{';
+  bool first = true;
+  for (const auto& [name, value] : object.GetAllProperties()) {
+    if (!first) out += ", ";
+    first = false;
+    out += '"';
+    out += name;
+    out += "\": ";
+    AppendJsonValue(out, value);
+  }
+  out += '}';
+}
+
+void AppendJsonValue(std::string& out, const JsonValue& value) {
+  switch (value.GetType()) {
+    case JsonValue::Null:
+      out += "null";
+      break;
+    case JsonValue::Integer:
+      AppendInt(out, value.GetAsInt());
+      break;
+    case JsonValue::String:
+      AppendJsonString(out, value.GetAsString());
+      break;
+    case JsonValue::Double:
+      AppendGeneral(out, value.GetAsDouble(), 17);
+      break;
+    case JsonValue::Boolean:
+      out += value.GetAsBool() ? "true" : "false";
+      break;
+    case JsonValue::Object:
+      AppendJsonObject(out, value.GetAsObject());
+      break;
+    case JsonValue::Array: {
+      out += '[';
+      bool first = true;
+      for (const JsonValue& element : value.GetAsArray()) {
+        if (!first) out += ", ";
+        first = false;
+        AppendJsonValue(out, element);
+      }
+      out += ']';
+      break;
+    }
+    default:
+      // A type outside the known kinds writes nothing.
+      break;
+  }
+}
+
+}  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::internal

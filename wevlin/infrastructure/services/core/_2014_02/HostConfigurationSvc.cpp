@@ -1,0 +1,24 @@
+#include "wevlin/infrastructure/services/core/_2014_02/HostConfigurationSvc.h"
+
+#include <stdexcept>
+
+#include "wevlin/infrastructure/services/ServiceNames.h"
+
+namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Core::_2014_02 {
+
+HostConfigurationSvc::HostConfigurationSvc(IHandleHostConfigurationSvc* handler)
+    : BaseHostingService(ServiceNames::kHostConfigurationHost, ServiceVersions::k2014_02),
+      handler_(handler) {}
+
+HostConfigurationSvc::~HostConfigurationSvc() = default;
+
+std::string HostConfigurationSvc::DoInvokeMethod(Interop::IHostControlInstance* instance,
+                                                 Interop::IHostServiceDescriptor* descriptor,
+                                                 std::string /*payload*/) {
+  if (handler_ == nullptr) {
+    throw std::logic_error("No handler for the host configuration service");
+  }
+  return handler_->GetHostConfiguration(instance, descriptor).ToJsonString();
+}
+
+}  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Core::_2014_02

@@ -1,0 +1,34 @@
+#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_VERSION__2014_02_TESTVERSIONRESPONSEMSG_H_
+#define WEVLIN_INFRASTRUCTURE_SERVICES_VERSION__2014_02_TESTVERSIONRESPONSEMSG_H_
+
+#include <string>
+
+#include "wevlin/infrastructure/services/BaseMessage.h"
+#include "wevlin/wevlin_export.h"
+
+namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Version::_2014_02 {
+
+// Answer of the version test, version "_2014_02": the name and interface
+// version of the service that actually answered,
+// {"Version": "_2014_02", "ServiceName": "...", "ServiceVersion": "..."}.
+// Both texts are empty by default.
+//
+// A value type; copies register their own fields. The class is final
+// because its destructor is not virtual. Not thread-safe.
+class WEVLIN_EXPORT TestVersionResponseMsg final : public BaseMessage {
+ public:
+  TestVersionResponseMsg();
+  TestVersionResponseMsg(const TestVersionResponseMsg& other);
+  TestVersionResponseMsg& operator=(const TestVersionResponseMsg& other);
+  ~TestVersionResponseMsg();
+
+  std::string ServiceName;     // JSON key "ServiceName"
+  std::string ServiceVersion;  // JSON key "ServiceVersion"
+
+ private:
+  void RegisterFields();
+};
+
+}  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Version::_2014_02
+
+#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_VERSION__2014_02_TESTVERSIONRESPONSEMSG_H_
