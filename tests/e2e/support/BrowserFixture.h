@@ -1,0 +1,111 @@
+#ifndef WEVLIN_TESTS_E2E_SUPPORT_BROWSERFIXTURE_H_
+#define WEVLIN_TESTS_E2E_SUPPORT_BROWSERFIXTURE_H_
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "support/RecordingPropertyListener.h"
+#include "wevlin/infrastructure/interop/HostAPI.h"
+#include "wevlin/infrastructure/interop/HostContentState.h"
+#include "wevlin/infrastructure/interop/HostControlInstance.h"
+#include "wevlin/infrastructure/interop/HostManager.h"
+#include "wevlin/infrastructure/interop/IHostServiceDescriptor.h"
+#include "wevlin/webcontrols/chromium/ChromiumOptions.h"
+#include "wevlin/webcontrols/chromium/ChromiumWebControl.h"
+
+namespace wevlin_e2e {
+
+// Base of the end-to-end tests that host a page: a fresh host manager with
+// the startup-notification service, a ChromiumWebControl, a
+// HostControlInstance on it, a HostAPI given to the control, and a listener
+// that records the instance's changes (states included).
+//
+// SetUp builds all of it; TearDown takes it down in the order an application
+// must (listener, API, instance, control, manager) and then checks that the
+// browser left nothing behind: no running process of its process group or
+// naming its profile, and no profile directory. A test may call ShutDown
+// itself to check that earlier.
+//
+// Everything runs on the test's thread, which is the control's application
+// thread: the waits below deliver the control's events.
+class BrowserFixture : public ::testing::Test {
+ protected:
+  using ChromiumOptions = Com::Velmora::TAVO::Wevlin::WebControls::Chromium::ChromiumOptions;
+  using ChromiumWebControl = Com::Velmora::TAVO::Wevlin::WebControls::Chromium::ChromiumWebControl;
+  using HostAPI = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::HostAPI;
+  using HostContentState = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::HostContentState;
+  using HostControlInstance =
+      Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::HostControlInstance;
+  using HostManager = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::HostManager;
+  using IHostServiceDescriptor =
+      Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::IHostServiceDescriptor;
+  using Json = nlohmann::json;
+
+  // The longest any test waits for the page.
+  static constexpr std::chrono::milliseconds kWait{30000};
+
+  BrowserFixture();
+  ~BrowserFixture() override;
+
+  void SetUp() override;
+  void TearDown() override;
+
+  // Returns the options the control starts with; the defaults unless a test
+  // overrides it.
+  virtual ChromiumOptions Options() const;
+
+  // Registers `service` with the host manager (which owns it from now on).
+  void RegisterService(IHostServiceDescriptor* service);
+
+  // Registers page `pageName` as the target "e2e" and launches the instance
+  // to it.
+  void Launch(const std::string& pageName);
+
+  // Delivers the control's events until the instance is in `state`; returns
+  // whether it got there in time.
+  bool WaitForState(HostContentState state, std::chrono::milliseconds timeout = kWait);
+
+  // Launches `pageName` and waits until the page has logged in.
+  void LaunchAndLogIn(const std::string& pageName = "handshake.html");
+
+  // Runs `script` in the page and returns its value.
+  std::string Eval(const std::string& script);
+
+  // Runs `startScript`, which starts a call with window.e2e and returns its
+  // number, delivers events until the call has settled, and returns its
+  // outcome: {"done": true, "ok": true, "value": ...} or {"done": true,
+  // "ok": false, "name": ..., "message": ..., "record": ...}.
+  Json PageCall(const std::string& startScript);
+
+  // Returns `text` written as a JavaScript string literal.
+  static std::string JsString(const std::string& text);
+
+  // Takes down everything SetUp built and checks that the browser left
+  // nothing behind. Does nothing the second time.
+  void ShutDown();
+
+  std::unique_ptr<ChromiumWebControl> control_;
+  std::unique_ptr<HostControlInstance> instance_;
+  std::unique_ptr<HostAPI> api_;
+  std::unique_ptr<wevlin_test::RecordingPropertyListener> listener_;
+
+ private:
+  HostManager* previousManager_ = nullptr;
+  bool managerInstalled_ = false;
+  std::vector<IHostServiceDescriptor*> services_;
+};
+
+// Checks that nothing of the browser whose process (group) id was `pid` and
+// whose profile was `profileDirectory` is left: no running process and no
+// directory.
+void ExpectNothingLeft(std::int64_t pid, const std::string& profileDirectory);
+
+}  // namespace wevlin_e2e
+
+#endif  // WEVLIN_TESTS_E2E_SUPPORT_BROWSERFIXTURE_H_

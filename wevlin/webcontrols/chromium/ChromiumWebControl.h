@@ -1,0 +1,154 @@
+#ifndef WEVLIN_WEBCONTROLS_CHROMIUM_CHROMIUMWEBCONTROL_H_
+#define WEVLIN_WEBCONTROLS_CHROMIUM_CHROMIUMWEBCONTROL_H_
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "wevlin/infrastructure/interop/HostAPI.h"
+#include "wevlin/infrastructure/interop/IWebControl.h"
+#include "wevlin/webcontrols/chromium/ChromiumOptions.h"
+#include "wevlin/webcontrols/chromium/wevlin_chromium_export.h"
+
+namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium {
+
+// A browser control made of a headless Chromium: one browser process with
+// one page, driven over the DevTools protocol on a pipe (no network port).
+// Hand it to a HostControlInstance like any IWebControl, and give it the
+// instance's HostAPI with SetHostAPI so that the page can call the host.
+//
+// The browser starts in the constructor, with a fresh temporary profile, and
+// ends in the destructor: it is asked to close, then its whole process group
+// is killed and reaped, and the profile directory is removed. Nothing is left
+// behind. The application owns the control and destroys it after every
+// HostControlInstance made on it; the control owns its browser process and
+// profile, and owns neither its HostAPI nor its load observers.
+//
+// Page to host: before any script of a document runs, the control defines
+// globalThis.wevlinHost there, an object with the five host functions
+// tavoHostMethod(descriptorJson, payload), tavoHostEvent(descriptorJson,
+// payload), tavoHostPing(), tavoHost_WebSideServiceListUpdate(action,
+// listJson) and tavoHost_WebSideStartHandShake(). Each returns a Promise that
+// resolves with the HostAPI's answer text exactly (exception records
+// included), or rejects with an Error when there is no HostAPI or the HostAPI
+// failed with something other than a standard exception. The calls are
+// served on the application's thread by PumpEvents/RunUntil.
+//
+// The application's thread: the control has no message loop of its own.
+// Everything the browser reports (finished loads, calls of the page) is
+// queued and delivered by PumpEvents or RunUntil, on the thread that calls
+// them; load observers and the HostAPI are called there and nowhere else.
+// ExecuteScript waits for its answer without delivering anything: events
+// that arrive meanwhile are delivered by a later PumpEvents, never
+// re-entrantly. Create, use and destroy the control on that one thread, and
+// do not destroy it from inside a delivery (a load observer or a host call).
+//
+// Texts: the browser works with UTF-8. Bytes of a script or URL that are not
+// valid UTF-8 are sent as U+FFFD (one per maximal ill-formed sequence, as a
+// browser decodes them), so the page sees U+FFFD where they were. Lone
+// surrogates that the page returns or passes to the host arrive as U+FFFD
+// too. Answers of the HostAPI reach the page unchanged when they are valid
+// UTF-8, with U+FFFD for ill-formed bytes.
+//
+// Failures: a browser that cannot start gives a ChromiumError from the
+// constructor; a browser that has exited, or does not answer within
+// ChromiumOptions::commandTimeout, gives an IWebControl::ScriptException from
+// ExecuteScript (calls in flight included) and a ChromiumError from the other
+// operations, with a text that names the problem, such as "The browser
+// exited (killed by signal 9)". When the page's renderer process crashes
+// (logged as "ChromiumWebControl: the page's renderer process crashed"),
+// ExecuteScript and SaveScreenshot fail at once with "The page's renderer
+// process crashed" until the next Navigate loads a page again. No operation
+// waits longer than its time limit, and the destructor always finishes.
+class WEVLIN_CHROMIUM_EXPORT ChromiumWebControl : public Infrastructure::Interop::IWebControl {
+ public:
+  // Starts a browser with default options. See the other constructor.
+  ChromiumWebControl();
+
+  // Starts a browser as `options` say and opens its page (about:blank).
+  // Throws ChromiumError(LaunchFailed) when the browser cannot start, for
+  // instance "Cannot start the browser: /usr/bin/chromium does not exist or
+  // is not executable (install the Debian package chromium)", or when it
+  // exits or does not answer during start-up.
+  explicit ChromiumWebControl(ChromiumOptions options);
+
+  ChromiumWebControl(const ChromiumWebControl&) = delete;
+  ChromiumWebControl& operator=(const ChromiumWebControl&) = delete;
+
+  // Closes the browser, kills what is left of its process group, reaps it
+  // and removes its profile. Events still queued are dropped.
+  ~ChromiumWebControl() override;
+
+  // IWebControl
+
+  // Starts loading `target` (a URL) in the page and returns at once. The end
+  // of the load is reported to the load observers by a later PumpEvents. A
+  // navigation that fails still ends in a load (of the browser's error page)
+  // and writes the log line "ChromiumWebControl: navigation to <url> failed:
+  // <reason>". Throws ChromiumError when the browser is gone or does not
+  // take the command.
+  void Navigate(std::string target) override;
+
+  // Runs `script` in the page's main frame, waits for it, and returns its
+  // value as text: a string as it is; undefined and null give ""; an object
+  // its JSON text (JSON.stringify); a number, boolean or BigInt as JavaScript
+  // writes it. Throws IWebControl::ScriptException when the script throws or
+  // does not parse (message: what was thrown, e.g. "ReferenceError: nope is
+  // not defined"; details: "line 1, column 1: nope()"), and when the browser
+  // is gone or does not answer within the command time-out (message: the
+  // problem; a script still running then is stopped).
+  std::string ExecuteScript(std::string script) override;
+
+  // Registers `observer` to be told of each finished load of the main frame,
+  // by PumpEvents/RunUntil on the application's thread. Not owned;
+  // registering an observer twice has no further effect.
+  void AddLoadObserver(IWebControl::ILoadObserver* observer) override;
+
+  // Forgets `observer`, also while a load is being delivered.
+  void RemoveLoadObserver(IWebControl::ILoadObserver* observer) override;
+
+  // The application's side
+
+  // Sets the HostAPI that serves the page's calls (null: none, and the
+  // page's calls are rejected). Not owned; it must outlive its use here.
+  void SetHostAPI(Infrastructure::Interop::HostAPI* hostApi);
+
+  // Returns the HostAPI set with SetHostAPI, or null.
+  Infrastructure::Interop::HostAPI* GetHostAPI() const;
+
+  // Delivers the events queued so far (finished loads, calls of the page),
+  // oldest first, and returns how many were taken. A call of the page is
+  // answered when its HostAPI operation returns. Inside a delivery (from a
+  // load observer or a host service) it delivers nothing and returns 0.
+  std::size_t PumpEvents();
+
+  // Delivers events until `condition` returns true or `timeout` passes, and
+  // returns the condition's last value. The condition is checked first, after
+  // each batch of events, and at least every 10 ms. Returns early, with the
+  // condition's value, once the browser has gone and no event remains.
+  bool RunUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout);
+
+  // Writes a PNG picture of the page's viewport to the file `path`. Throws
+  // ChromiumError when the browser fails or the file cannot be written.
+  void SaveScreenshot(const std::string& path);
+
+  // Returns true while the browser's DevTools connection is open.
+  bool IsBrowserRunning() const;
+
+  // Returns the browser's process id, which is also its process group id.
+  std::int64_t BrowserProcessId() const;
+
+  // Returns the temporary profile directory (removed at destruction).
+  std::string ProfileDirectory() const;
+
+ private:
+  class Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium
+
+#endif  // WEVLIN_WEBCONTROLS_CHROMIUM_CHROMIUMWEBCONTROL_H_
