@@ -1,5 +1,7 @@
 #include "support/StdoutCapture.h"
 
+#include <gtest/gtest.h>
+
 #include <iostream>
 #include <stdexcept>
 
@@ -26,10 +28,16 @@ StdoutCapture::StdoutCapture() : file_(std::tmpfile()), savedFd_(-1) {
 }
 
 StdoutCapture::~StdoutCapture() {
+  // GoogleTest reports a failed assertion on standard output, which this
+  // capture swallowed; hand the captured text to standard error so that the
+  // failure is not lost.
+  const bool failed = ::testing::Test::HasFailure();
+  std::string captured = failed ? Text() : std::string();
   FlushAll();
   fd::Dup2(savedFd_, fd::StdoutFd());
   fd::Close(savedFd_);
   std::fclose(file_);
+  if (failed) std::cerr << "[captured standard output]\n" << captured << std::flush;
 }
 
 std::string StdoutCapture::Text() {

@@ -11,7 +11,9 @@ namespace wevlin_test {
 // std::cout, printf or a raw write(1, ...) is seen alike.
 //
 // Construct it, run the code under test, then call Text(). The destructor
-// restores the original standard output. Captures do not nest. Only one
+// restores the original standard output; when the running test has failed by
+// then, it also writes the captured text to standard error, since GoogleTest's
+// own failure messages went into the capture. Captures do not nest. Only one
 // thread should create captures; any thread may write while one is active.
 class StdoutCapture {
  public:

@@ -4,9 +4,9 @@
 
 #include <stdexcept>
 #include <string>
-#include <typeinfo>
 #include <vector>
 
+#include "support/ExceptionChecks.h"
 #include "support/StdoutCapture.h"
 #include "wevlin/infrastructure/interop/JsonObject.h"
 #include "wevlin/infrastructure/interop/JsonValue.h"
@@ -16,22 +16,7 @@ namespace {
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::DataContract;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::JsonValue;
 using wevlin_test::StdoutCapture;
-
-template <typename Call>
-std::string Thrown(Call&& call) {
-  try {
-    call();
-  } catch (const std::logic_error& e) {
-    if (typeid(e) != typeid(std::logic_error)) return std::string("other: ") + e.what();
-    return std::string("logic_error: ") + e.what();
-  } catch (const std::runtime_error& e) {
-    if (typeid(e) != typeid(std::runtime_error)) return std::string("other: ") + e.what();
-    return std::string("runtime_error: ") + e.what();
-  } catch (...) {
-    return "unknown";
-  }
-  return "none";
-}
+using wevlin_test::Thrown;
 
 class Empty : public DataContract {};
 

@@ -4,22 +4,13 @@
 #include <stdexcept>
 #include <string>
 
+#include "support/ExceptionChecks.h"
 #include "wevlin/infrastructure/interop/DataServiceDescriptor.h"
 
 namespace {
 
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::DataServiceDescriptor;
-
-// Runs `statement`, expecting a std::runtime_error whose what() is `text`.
-template <typename Statement>
-void ExpectRuntimeError(Statement statement, const std::string& text) {
-  try {
-    statement();
-    ADD_FAILURE() << "no exception; expected std::runtime_error \"" << text << "\"";
-  } catch (const std::runtime_error& e) {
-    EXPECT_EQ(std::string(e.what()), text);
-  }
-}
+using wevlin_test::ThrowsExactly;
 
 TEST(DataServiceDescriptorTest, DefaultHasEmptyTextsAndWritesBothKeys) {
   DataServiceDescriptor descriptor;
@@ -106,7 +97,8 @@ TEST(DataServiceDescriptorTest, WritesWhatItReadBackIdentically) {
 
 TEST(DataServiceDescriptorTest, ThrowsWhenTheTextIsNotAnObject) {
   DataServiceDescriptor descriptor("a.b", "1");
-  ExpectRuntimeError([&] { descriptor.FromJsonString("[1]"); }, "JSON data is not an object");
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { descriptor.FromJsonString("[1]"); },
+                                                "JSON data is not an object"));
   EXPECT_EQ(descriptor.FQN, "a.b");
   EXPECT_EQ(descriptor.SvcVersion, "1");
 }

@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "support/ExceptionChecks.h"
 #include "wevlin/infrastructure/interop/ExceptionHolder.h"
 #include "wevlin/infrastructure/interop/ExceptionInfo.h"
 
@@ -11,17 +12,7 @@ namespace {
 namespace interop = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
 using interop::ExceptionHolder;
 using interop::ExceptionInfo;
-
-// Runs `statement`, expecting a std::runtime_error whose what() is `text`.
-template <typename Statement>
-void ExpectRuntimeError(Statement statement, const std::string& text) {
-  try {
-    statement();
-    ADD_FAILURE() << "no exception; expected std::runtime_error \"" << text << "\"";
-  } catch (const std::runtime_error& e) {
-    EXPECT_EQ(std::string(e.what()), text);
-  }
-}
+using wevlin_test::ThrowsExactly;
 
 TEST(ExceptionHolderTest, DefaultHolderWritesANullRecord) {
   ExceptionHolder holder;
@@ -99,13 +90,14 @@ TEST(ExceptionHolderTest, ReadingWithoutTheExceptionKeyChangesNothing) {
 
 TEST(ExceptionHolderTest, ReadingANullRecordThrowsNotAnObject) {
   ExceptionHolder holder;
-  ExpectRuntimeError([&] { holder.FromJsonString("{\"Exception\": null}"); },
-                     "JSON data is not an object");
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
+      [&] { holder.FromJsonString("{\"Exception\": null}"); }, "JSON data is not an object"));
 }
 
 TEST(ExceptionHolderTest, ReadingAnArrayThrowsNotAnObject) {
   ExceptionHolder holder;
-  ExpectRuntimeError([&] { holder.FromJsonString("[]"); }, "JSON data is not an object");
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { holder.FromJsonString("[]"); },
+                                                "JSON data is not an object"));
 }
 
 TEST(ExceptionHolderTest, CopyConstructionCopiesTheRecordAndWritesTheKeyOnce) {

@@ -1,18 +1,25 @@
-#include <gtest/gtest.h>
+#include "wevlin/infrastructure/interop/ExceptionInfo.h"
 
 #include <exception>
 #include <future>
+#include <memory>
 #include <new>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 #include <typeinfo>
+#include <utility>
+#include <vector>
 
-#include "wevlin/infrastructure/interop/ExceptionInfo.h"
+#include <gtest/gtest.h>
+
+#include "support/ExceptionChecks.h"
 
 namespace {
 
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ExceptionInfo;
+using wevlin_test::ThrowsExactly;
 
 // A failure class of the embedding application, as any code might define it.
 class ServiceFailure : public std::runtime_error {
@@ -31,125 +38,72 @@ class IndexFailure : public std::out_of_range {
   IndexFailure() : std::out_of_range("index 7") {}
 };
 
-// Runs `statement`, expecting a std::runtime_error whose what() is `text`.
-template <typename Statement>
-void ExpectRuntimeError(Statement statement, const std::string& text) {
-  try {
-    statement();
-    ADD_FAILURE() << "no exception; expected std::runtime_error \"" << text << "\"";
-  } catch (const std::runtime_error& e) {
-    EXPECT_EQ(std::string(e.what()), text);
-  }
-}
-
 // --- Names ----------------------------------------------------------------------
 
-TEST(ExceptionInfoTest, NamesUnderflowError) {
-  ExceptionInfo info{std::underflow_error("u")};
-  EXPECT_EQ(info.name, "std::underflow_error");
-  EXPECT_EQ(info.message, "u");
+// One exception and the record it must give: the name of the standard class
+// it is reported as, and its what() text.
+struct NameCase {
+  // The test's name suffix.
+  const char* label;
+  std::shared_ptr<const std::exception> failure;
+  const char* name;
+  // The expected message; null where it is the text the standard library
+  // itself gives the exception (its own what()).
+  const char* message;
+};
+
+void PrintTo(const NameCase& nameCase, std::ostream* out) { *out << nameCase.label; }
+
+template <typename E, typename... Args>
+std::shared_ptr<const std::exception> Make(Args&&... args) {
+  return std::make_shared<E>(std::forward<Args>(args)...);
 }
 
-TEST(ExceptionInfoTest, NamesOverflowError) {
-  ExceptionInfo info{std::overflow_error("o")};
-  EXPECT_EQ(info.name, "std::overflow_error");
-  EXPECT_EQ(info.message, "o");
+std::vector<NameCase> NameCases() {
+  return {
+      {"UnderflowError", Make<std::underflow_error>("u"), "std::underflow_error", "u"},
+      {"OverflowError", Make<std::overflow_error>("o"), "std::overflow_error", "o"},
+      {"RangeError", Make<std::range_error>("r"), "std::range_error", "r"},
+      {"RuntimeError", Make<std::runtime_error>("JSON data is not an object"), "std::runtime_error",
+       "JSON data is not an object"},
+      {"OutOfRange", Make<std::out_of_range>("index 3"), "std::out_of_range", "index 3"},
+      {"LengthError", Make<std::length_error>("too long"), "std::length_error", "too long"},
+      {"InvalidArgument", Make<std::invalid_argument>("descriptor"), "std::invalid_argument",
+       "descriptor"},
+      {"DomainError", Make<std::domain_error>("d"), "std::domain_error", "d"},
+      {"LogicError", Make<std::logic_error>("l"), "std::logic_error", "l"},
+      {"AnyOtherExceptionStdException", Make<PlainFailure>(), "std::exception", "plain failure"},
+      {"BadAllocStdException", Make<std::bad_alloc>(), "std::exception", nullptr},
+      {"BadCastStdException", Make<std::bad_cast>(), "std::exception", nullptr},
+      {"ADefaultStdExceptionStdException", Make<std::exception>(), "std::exception", nullptr},
+      {"AClassDerivedFromRuntimeErrorRuntimeError", Make<ServiceFailure>("service failed"),
+       "std::runtime_error", "service failed"},
+      {"SystemErrorRuntimeError",
+       Make<std::system_error>(std::make_error_code(std::errc::timed_out), "waiting"),
+       "std::runtime_error", nullptr},
+      {"AClassDerivedFromOutOfRangeOutOfRange", Make<IndexFailure>(), "std::out_of_range",
+       "index 7"},
+      {"FutureErrorLogicError", Make<std::future_error>(std::future_errc::no_state),
+       "std::logic_error", nullptr},
+  };
 }
 
-TEST(ExceptionInfoTest, NamesRangeError) {
-  ExceptionInfo info{std::range_error("r")};
-  EXPECT_EQ(info.name, "std::range_error");
-  EXPECT_EQ(info.message, "r");
+class ExceptionInfoNameTest : public ::testing::TestWithParam<NameCase> {};
+
+// Each exception is handed over as a std::exception reference, as the
+// library's callers do; the record must still name its dynamic type.
+TEST_P(ExceptionInfoNameTest, Names) {
+  const NameCase& nameCase = GetParam();
+  ExceptionInfo info{*nameCase.failure};
+  EXPECT_EQ(info.name, nameCase.name);
+  EXPECT_EQ(info.message, nameCase.message != nullptr ? std::string(nameCase.message)
+                                                      : std::string(nameCase.failure->what()));
 }
 
-TEST(ExceptionInfoTest, NamesRuntimeError) {
-  ExceptionInfo info{std::runtime_error("JSON data is not an object")};
-  EXPECT_EQ(info.name, "std::runtime_error");
-  EXPECT_EQ(info.message, "JSON data is not an object");
-}
-
-TEST(ExceptionInfoTest, NamesOutOfRange) {
-  ExceptionInfo info{std::out_of_range("index 3")};
-  EXPECT_EQ(info.name, "std::out_of_range");
-  EXPECT_EQ(info.message, "index 3");
-}
-
-TEST(ExceptionInfoTest, NamesLengthError) {
-  ExceptionInfo info{std::length_error("too long")};
-  EXPECT_EQ(info.name, "std::length_error");
-  EXPECT_EQ(info.message, "too long");
-}
-
-TEST(ExceptionInfoTest, NamesInvalidArgument) {
-  ExceptionInfo info{std::invalid_argument("descriptor")};
-  EXPECT_EQ(info.name, "std::invalid_argument");
-  EXPECT_EQ(info.message, "descriptor");
-}
-
-TEST(ExceptionInfoTest, NamesDomainError) {
-  ExceptionInfo info{std::domain_error("d")};
-  EXPECT_EQ(info.name, "std::domain_error");
-  EXPECT_EQ(info.message, "d");
-}
-
-TEST(ExceptionInfoTest, NamesLogicError) {
-  ExceptionInfo info{std::logic_error("l")};
-  EXPECT_EQ(info.name, "std::logic_error");
-  EXPECT_EQ(info.message, "l");
-}
-
-TEST(ExceptionInfoTest, NamesAnyOtherExceptionStdException) {
-  ExceptionInfo info{PlainFailure()};
-  EXPECT_EQ(info.name, "std::exception");
-  EXPECT_EQ(info.message, "plain failure");
-}
-
-TEST(ExceptionInfoTest, NamesBadAllocStdException) {
-  const std::bad_alloc failure;
-  ExceptionInfo info{failure};
-  EXPECT_EQ(info.name, "std::exception");
-  EXPECT_EQ(info.message, std::string(failure.what()));
-}
-
-TEST(ExceptionInfoTest, NamesBadCastStdException) {
-  const std::bad_cast failure;
-  ExceptionInfo info{failure};
-  EXPECT_EQ(info.name, "std::exception");
-  EXPECT_EQ(info.message, std::string(failure.what()));
-}
-
-TEST(ExceptionInfoTest, NamesADefaultStdExceptionStdException) {
-  const std::exception failure;
-  ExceptionInfo info{failure};
-  EXPECT_EQ(info.name, "std::exception");
-  EXPECT_EQ(info.message, std::string(failure.what()));
-}
-
-TEST(ExceptionInfoTest, NamesAClassDerivedFromRuntimeErrorRuntimeError) {
-  ExceptionInfo info{ServiceFailure("service failed")};
-  EXPECT_EQ(info.name, "std::runtime_error");
-  EXPECT_EQ(info.message, "service failed");
-}
-
-TEST(ExceptionInfoTest, NamesSystemErrorRuntimeError) {
-  const std::system_error failure(std::make_error_code(std::errc::timed_out), "waiting");
-  ExceptionInfo info{failure};
-  EXPECT_EQ(info.name, "std::runtime_error");
-  EXPECT_EQ(info.message, std::string(failure.what()));
-}
-
-TEST(ExceptionInfoTest, NamesAClassDerivedFromOutOfRangeOutOfRange) {
-  ExceptionInfo info{IndexFailure()};
-  EXPECT_EQ(info.name, "std::out_of_range");
-  EXPECT_EQ(info.message, "index 7");
-}
-
-TEST(ExceptionInfoTest, NamesFutureErrorLogicError) {
-  const std::future_error failure(std::future_errc::no_state);
-  ExceptionInfo info{failure};
-  EXPECT_EQ(info.name, "std::logic_error");
-  EXPECT_EQ(info.message, std::string(failure.what()));
-}
+INSTANTIATE_TEST_SUITE_P(EveryKind, ExceptionInfoNameTest, ::testing::ValuesIn(NameCases()),
+                         [](const ::testing::TestParamInfo<NameCase>& info) {
+                           return std::string(info.param.label);
+                         });
 
 TEST(ExceptionInfoTest, NamesTheDynamicTypeNotTheStaticOne) {
   const std::invalid_argument failure("fqn");
@@ -242,7 +196,8 @@ TEST(ExceptionInfoTest, ReadingKeepsTheRawTextOfANonString) {
 
 TEST(ExceptionInfoTest, ReadingNullThrowsNotAnObject) {
   ExceptionInfo info;
-  ExpectRuntimeError([&] { info.FromJsonString("null"); }, "JSON data is not an object");
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { info.FromJsonString("null"); },
+                                                "JSON data is not an object"));
 }
 
 TEST(ExceptionInfoTest, WrittenRecordReadsBackIdentically) {

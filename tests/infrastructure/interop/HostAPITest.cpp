@@ -4,39 +4,26 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <memory>
 #include <new>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
-#include <vector>
 
 #include "support/CountingService.h"
+#include "support/HostedPageFixture.h"
 #include "support/MockHostControlInstance.h"
-#include "support/ScriptedPage.h"
 #include "support/StdoutCapture.h"
-#include "support/TimerEnvironmentScope.h"
 #include "wevlin/infrastructure/interop/DataServiceDescriptor.h"
-#include "wevlin/infrastructure/interop/HostControlInstance.h"
-#include "wevlin/infrastructure/interop/HostManager.h"
 #include "wevlin/infrastructure/interop/TargetConfig.h"
-#include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
 
 namespace {
 
-namespace base = Com::Velmora::TAVO::Wevlin::Infrastructure::Base;
 namespace interop = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
 using interop::HostAPI;
-using interop::HostControlInstance;
-using interop::HostManager;
-using interop::IHostServiceDescriptor;
-using interop::internal::HostManagerTestPeer;
 using wevlin_test::CountingService;
-using wevlin_test::ScriptedPage;
 using wevlin_test::ServiceCall;
 using wevlin_test::ServiceProbe;
 using wevlin_test::StdoutCapture;
-using wevlin_test::TimerEnvironmentScope;
 
 static_assert(std::has_virtual_destructor_v<HostAPI>);
 static_assert(std::is_copy_constructible_v<HostAPI>);
@@ -49,32 +36,10 @@ std::string Record(const std::string& name, const std::string& message) {
 }
 
 // A fresh host manager, a scripted page, an instance on it and the API that
-// the page would call.
-class HostAPITest : public ::testing::Test {
+// the page would call (see HostedPageFixture), and a probe that sees every
+// call of the counting services the tests register.
+class HostAPITest : public wevlin_test::HostedPageFixture {
  protected:
-  void SetUp() override {
-    previousManager_ = HostManagerTestPeer::InstallFresh();
-    manager_ = HostManager::TheInstance();
-    instance_ = std::make_unique<HostControlInstance>(&page_);
-    api_ = std::make_unique<HostAPI>(instance_.get());
-  }
-
-  void TearDown() override {
-    api_.reset();
-    if (instance_) {
-      base::IObservableList<IHostServiceDescriptor*>* own = instance_->KnownServices();
-      instance_.reset();
-      for (int i = 0; i < own->GetSize(); ++i) delete own->GetAt(i);
-      delete own;
-    }
-    std::vector<IHostServiceDescriptor*> services;
-    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
-      services.push_back(manager_->KnownServices()->GetAt(i));
-    }
-    HostManagerTestPeer::Restore(previousManager_);
-    for (IHostServiceDescriptor* service : services) delete service;
-  }
-
   // Registers a counting service "a.b" / "_2014_07" on the instance.
   CountingService* OnInstance() {
     auto* service = new CountingService("a.b", "_2014_07", &probe_);
@@ -82,13 +47,9 @@ class HostAPITest : public ::testing::Test {
     return service;
   }
 
-  TimerEnvironmentScope env_;
-  ScriptedPage page_;
+  // Outlives every service that reports to it, also those released in
+  // TearDown.
   ServiceProbe probe_;
-  HostManager* previousManager_ = nullptr;
-  HostManager* manager_ = nullptr;
-  std::unique_ptr<HostControlInstance> instance_;
-  std::unique_ptr<HostAPI> api_;
 };
 
 // ---- tavoHostMethod -------------------------------------------------------------

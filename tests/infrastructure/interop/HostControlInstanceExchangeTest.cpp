@@ -5,10 +5,11 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <typeinfo>
 #include <vector>
 
 #include "support/CountingService.h"
+#include "support/ExceptionChecks.h"
+#include "support/HostCleanup.h"
 #include "support/ScriptedPage.h"
 #include "support/StdoutCapture.h"
 #include "support/TimerEnvironmentScope.h"
@@ -35,9 +36,12 @@ using interop::ITargetServiceDesc;
 using interop::TargetConfig;
 using interop::internal::HostManagerTestPeer;
 using wevlin_test::CountingService;
+using wevlin_test::DestroyHostControlInstance;
+using wevlin_test::RestoreHostManager;
 using wevlin_test::ScriptedPage;
 using wevlin_test::ServiceProbe;
 using wevlin_test::StdoutCapture;
+using wevlin_test::ThrowsExactly;
 using wevlin_test::TimerEnvironmentScope;
 using Strings = std::vector<std::string>;
 
@@ -50,18 +54,6 @@ std::string MethodLine(const std::string& quotedPayload) {
 
 std::string EventLine(const std::string& quotedPayload) {
   return std::string("tavoInterop_WebEvent('") + kDescriptorJson + "','" + quotedPayload + "');";
-}
-
-// Runs `call`, which must throw exactly an E whose what() is `what`.
-template <typename E, typename Call>
-void ExpectThrowExactly(Call&& call, const std::string& what) {
-  try {
-    call();
-    ADD_FAILURE() << "nothing was thrown; expected " << typeid(E).name() << ": " << what;
-  } catch (const E& e) {
-    EXPECT_EQ(typeid(e), typeid(E)) << "thrown: " << typeid(e).name();
-    EXPECT_EQ(std::string(e.what()), what);
-  }
 }
 
 // Records the changes of one observable list as short texts: "Reset",
@@ -103,20 +95,12 @@ class HostControlInstanceExchangeTest : public ::testing::Test {
 
   void TearDown() override {
     DestroyInstance();
-    std::vector<IHostServiceDescriptor*> services = Contents(manager_->KnownServices());
-    HostManagerTestPeer::Restore(previousManager_);
-    for (IHostServiceDescriptor* service : services) delete service;
+    RestoreHostManager(previousManager_);
   }
 
   // Destroys the instance, then releases what it leaves alive on purpose: the
   // list of services registered on it alone, and those services.
-  void DestroyInstance() {
-    if (!instance_) return;
-    base::IObservableList<IHostServiceDescriptor*>* own = instance_->KnownServices();
-    instance_.reset();
-    for (IHostServiceDescriptor* service : Contents(own)) delete service;
-    delete own;
-  }
+  void DestroyInstance() { DestroyHostControlInstance(instance_); }
 
   // Puts the instance into a state in which it may call the page.
   void LetTalk() { instance_->SetContentState(interop::LoadedCanTalk); }
@@ -191,19 +175,21 @@ TEST_F(HostControlInstanceExchangeTest, QuoteInTheDescriptorIsQuotedToo) {
 TEST_F(HostControlInstanceExchangeTest, ErrorRecordBecomesRuntimeErrorNameBlankMessage) {
   LetTalk();
   page_.MethodReply = "{\"Exception\": {\"name\": \"E\", \"message\": \"M\"}}";
-  ExpectThrowExactly<std::runtime_error>([&] { instance_->InvokeWebMethod(&greeter_, "p"); },
-                                         "E M");
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { instance_->InvokeWebMethod(&greeter_, "p"); },
+                                                "E M"));
   page_.EventReply = "{\"Exception\": {\"name\": \"TypeError\", \"message\": \"x is undefined\"}}";
-  ExpectThrowExactly<std::runtime_error>([&] { instance_->InvokeWebEvent(&greeter_, "p"); },
-                                         "TypeError x is undefined");
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { instance_->InvokeWebEvent(&greeter_, "p"); },
+                                                "TypeError x is undefined"));
 }
 
 TEST_F(HostControlInstanceExchangeTest, ErrorRecordWithOnlyOneTextKeepsTheBlank) {
   LetTalk();
   page_.MethodReply = "{\"Exception\": {\"name\": \"E\"}}";
-  ExpectThrowExactly<std::runtime_error>([&] { instance_->InvokeWebMethod(&greeter_, ""); }, "E ");
+  EXPECT_TRUE(
+      ThrowsExactly<std::runtime_error>([&] { instance_->InvokeWebMethod(&greeter_, ""); }, "E "));
   page_.MethodReply = "{\"Exception\": {\"message\": \"M\"}}";
-  ExpectThrowExactly<std::runtime_error>([&] { instance_->InvokeWebMethod(&greeter_, ""); }, " M");
+  EXPECT_TRUE(
+      ThrowsExactly<std::runtime_error>([&] { instance_->InvokeWebMethod(&greeter_, ""); }, " M"));
 }
 
 TEST_F(HostControlInstanceExchangeTest, ErrorRecordThatNamesNothingIsInvalidArgument) {
@@ -212,8 +198,9 @@ TEST_F(HostControlInstanceExchangeTest, ErrorRecordThatNamesNothingIsInvalidArgu
        {"{\"Exception\": {\"code\": 1}}", "{\"Exception\": {}}", "{\"Exceptional\": 1}"}) {
     SCOPED_TRACE(reply);
     page_.MethodReply = reply;
-    ExpectThrowExactly<std::invalid_argument>([&] { instance_->InvokeWebMethod(&greeter_, ""); },
-                                              "Could not decipher web side error: " + reply);
+    EXPECT_TRUE(
+        ThrowsExactly<std::invalid_argument>([&] { instance_->InvokeWebMethod(&greeter_, ""); },
+                                             "Could not decipher web side error: " + reply));
   }
 }
 
@@ -231,10 +218,10 @@ class NotTalkingTest : public HostControlInstanceExchangeTest,
 
 TEST_P(NotTalkingTest, CallsIntoThePageAreRefusedWithoutScript) {
   instance_->SetContentState(GetParam());
-  ExpectThrowExactly<std::runtime_error>([&] { instance_->InvokeWebMethod(&greeter_, "p"); },
-                                         "Cannot talk to hosted content");
-  ExpectThrowExactly<std::runtime_error>([&] { instance_->InvokeWebEvent(&greeter_, "p"); },
-                                         "Cannot talk to hosted content");
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { instance_->InvokeWebMethod(&greeter_, "p"); },
+                                                "Cannot talk to hosted content"));
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { instance_->InvokeWebEvent(&greeter_, "p"); },
+                                                "Cannot talk to hosted content"));
   EXPECT_TRUE(page_.Scripts().empty());
 }
 
@@ -285,10 +272,10 @@ TEST_F(HostControlInstanceExchangeTest, ScriptFailureOfAnEventIsLoggedAndRethrow
 TEST_F(HostControlInstanceExchangeTest, NullServiceIsRefusedBeforeAnyScript) {
   LetTalk();
   StdoutCapture capture;
-  ExpectThrowExactly<std::invalid_argument>([&] { instance_->InvokeWebMethod(nullptr, ""); },
-                                            "target");
-  ExpectThrowExactly<std::invalid_argument>([&] { instance_->InvokeWebEvent(nullptr, ""); },
-                                            "target");
+  EXPECT_TRUE(ThrowsExactly<std::invalid_argument>([&] { instance_->InvokeWebMethod(nullptr, ""); },
+                                                   "target"));
+  EXPECT_TRUE(ThrowsExactly<std::invalid_argument>([&] { instance_->InvokeWebEvent(nullptr, ""); },
+                                                   "target"));
   EXPECT_TRUE(page_.Scripts().empty());
   EXPECT_EQ(capture.Text(), "");
 }
@@ -331,11 +318,11 @@ TEST_F(HostControlInstanceExchangeTest, AnyOtherActionIsUnknownAndChangesNothing
 
   for (const char* action : {"Add", "Remove", "", "Replace ", "Replac"}) {
     SCOPED_TRACE(action);
-    ExpectThrowExactly<std::runtime_error>(
+    EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
         [&] {
           instance_->WebSideServiceListUpdate(action, "[{\"FQN\": \"x\", \"SvcVersion\": \"9\"}]");
         },
-        "unknown action");
+        "unknown action"));
   }
   EXPECT_EQ(Contents(instance_->GetKnownWebSideServices()), before);
   EXPECT_TRUE(recorder.changes.empty());
@@ -345,11 +332,11 @@ TEST_F(HostControlInstanceExchangeTest, AnyOtherActionIsUnknownAndChangesNothing
 TEST_F(HostControlInstanceExchangeTest, TextThatIsNotAnArrayIsRefusedBeforeTheAction) {
   instance_->WebSideServiceListUpdate("Replace", kTwoPageServices);
   const std::vector<ITargetServiceDesc*> before = Contents(instance_->GetKnownWebSideServices());
-  ExpectThrowExactly<std::runtime_error>(
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
       [&] { instance_->WebSideServiceListUpdate("Replace", "{\"FQN\": \"a\"}"); },
-      "JSON data is not an array");
-  ExpectThrowExactly<std::runtime_error>([&] { instance_->WebSideServiceListUpdate("Add", "x"); },
-                                         "JSON data is not an array");
+      "JSON data is not an array"));
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
+      [&] { instance_->WebSideServiceListUpdate("Add", "x"); }, "JSON data is not an array"));
   EXPECT_EQ(Contents(instance_->GetKnownWebSideServices()), before);
 }
 
@@ -412,15 +399,17 @@ TEST_F(HostControlInstanceExchangeTest, EmptyAnswerToTheListRequestKeepsTheListA
 // ---- Services registered on the instance -------------------------------------------
 
 TEST_F(HostControlInstanceExchangeTest, RegisterRefusesNullAndEmptyNames) {
-  ExpectThrowExactly<std::invalid_argument>([&] { instance_->RegisterService(nullptr); },
-                                            "descriptor");
+  EXPECT_TRUE(ThrowsExactly<std::invalid_argument>([&] { instance_->RegisterService(nullptr); },
+                                                   "descriptor"));
   CountingService noName("", "1");
-  ExpectThrowExactly<std::invalid_argument>([&] { instance_->RegisterService(&noName); }, "fqn");
+  EXPECT_TRUE(
+      ThrowsExactly<std::invalid_argument>([&] { instance_->RegisterService(&noName); }, "fqn"));
   CountingService noVersion("a.b", "");
-  ExpectThrowExactly<std::invalid_argument>([&] { instance_->RegisterService(&noVersion); },
-                                            "version");
+  EXPECT_TRUE(ThrowsExactly<std::invalid_argument>([&] { instance_->RegisterService(&noVersion); },
+                                                   "version"));
   CountingService nothing("", "");
-  ExpectThrowExactly<std::invalid_argument>([&] { instance_->RegisterService(&nothing); }, "fqn");
+  EXPECT_TRUE(
+      ThrowsExactly<std::invalid_argument>([&] { instance_->RegisterService(&nothing); }, "fqn"));
   EXPECT_EQ(instance_->KnownServices()->GetSize(), 0);
 }
 
@@ -525,9 +514,7 @@ TEST_F(HostControlInstanceExchangeTest, ServicesOfOneInstanceAreInvisibleToAnoth
   BaseServiceDescriptor key("a.Svc.host", "1");
   EXPECT_NE(instance_->LookupService(&key), nullptr);
   EXPECT_EQ(other->LookupService(&key), nullptr);
-  base::IObservableList<IHostServiceDescriptor*>* otherOwn = other->KnownServices();
-  other.reset();
-  delete otherOwn;
+  DestroyHostControlInstance(other);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "support/CountingService.h"
+#include "support/HostCleanup.h"
 #include "support/RecordingPropertyListener.h"
 #include "support/ScriptedPage.h"
 #include "support/StdoutCapture.h"
@@ -34,7 +35,9 @@ using interop::IHostServiceDescriptor;
 using interop::TargetConfig;
 using interop::internal::HostManagerTestPeer;
 using wevlin_test::CountingService;
+using wevlin_test::DestroyHostControlInstance;
 using wevlin_test::RecordingPropertyListener;
+using wevlin_test::RestoreHostManager;
 using wevlin_test::ScriptedPage;
 using wevlin_test::ServiceProbe;
 using wevlin_test::StdoutCapture;
@@ -84,23 +87,12 @@ class HostControlInstanceLifecycleTest : public ::testing::Test {
 
   void TearDown() override {
     DestroyInstance();
-    std::vector<IHostServiceDescriptor*> services;
-    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
-      services.push_back(manager_->KnownServices()->GetAt(i));
-    }
-    HostManagerTestPeer::Restore(previousManager_);
-    for (IHostServiceDescriptor* service : services) delete service;
+    RestoreHostManager(previousManager_);
   }
 
   // Destroys the instance, then releases what it leaves alive on purpose: the
   // list of services registered on it alone, and those services.
-  void DestroyInstance() {
-    if (!instance_) return;
-    base::IObservableList<IHostServiceDescriptor*>* own = instance_->KnownServices();
-    instance_.reset();
-    for (int i = 0; i < own->GetSize(); ++i) delete own->GetAt(i);
-    delete own;
-  }
+  void DestroyInstance() { DestroyHostControlInstance(instance_); }
 
   // Forgets the script lines, navigations and notifications seen so far.
   void ClearRecords() {
@@ -179,9 +171,7 @@ TEST_F(HostControlInstanceLifecycleTest, EveryInstanceListensToTheManagersList) 
     manager_->RegisterService(new CountingService("a.b", "_2014_07"));
     EXPECT_EQ(capture.Text(), "service list changed\nservice list changed\n");
   }
-  base::IObservableList<IHostServiceDescriptor*>* otherOwn = other->KnownServices();
-  other.reset();
-  delete otherOwn;
+  DestroyHostControlInstance(other);
   StdoutCapture capture;
   manager_->RegisterService(new CountingService("c.d", "_2014_07"));
   EXPECT_EQ(capture.Text(), "service list changed\n");

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "support/CountingService.h"
+#include "support/HostCleanup.h"
 #include "support/RecordingPropertyListener.h"
 #include "support/ScriptedPage.h"
 #include "support/TimerEnvironmentScope.h"
@@ -41,7 +42,9 @@ using interop::IHostServiceDescriptor;
 using interop::TargetConfig;
 using interop::internal::HostManagerTestPeer;
 using wevlin_test::CountingService;
+using wevlin_test::DestroyHostControlInstance;
 using wevlin_test::RecordingPropertyListener;
+using wevlin_test::RestoreHostManager;
 using wevlin_test::ScriptedPage;
 using wevlin_test::TimerEnvironmentScope;
 
@@ -112,14 +115,7 @@ class HostControlInstanceStressTest : public ::testing::Test {
     manager_->RegisterService(new CountingService("tavo.stress.Two.host", "_2014_10"));
   }
 
-  void TearDown() override {
-    std::vector<IHostServiceDescriptor*> services;
-    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
-      services.push_back(manager_->KnownServices()->GetAt(i));
-    }
-    HostManagerTestPeer::Restore(previousManager_);
-    for (IHostServiceDescriptor* service : services) delete service;
-  }
+  void TearDown() override { RestoreHostManager(previousManager_); }
 
   // Moves the simulated clock forward to `seconds`, never backwards, however
   // many threads ask at once.
@@ -289,9 +285,7 @@ TEST_F(HostControlInstanceStressTest, LaunchesHandshakesAndTimeOutsOnManyThreads
     instance->LaunchToTarget(&target_);
     MoveClockTo(env_.Clock().NowSeconds() + 1);
     if (i % 2 == 0) std::this_thread::yield();
-    base::IObservableList<IHostServiceDescriptor*>* own = instance->KnownServices();
-    instance.reset();
-    delete own;
+    DestroyHostControlInstance(instance);
     churnTimedOut += listener.CountState("TimedOut");
     const std::vector<std::string> names = listener.Names();
     EXPECT_EQ(std::count(names.begin(), names.end(), "InstanceDestroyed"), 1);
@@ -355,9 +349,7 @@ TEST_F(HostControlInstanceStressTest, LaunchesHandshakesAndTimeOutsOnManyThreads
 
   for (auto& slot : slots) {
     slot->api.reset();
-    base::IObservableList<IHostServiceDescriptor*>* own = slot->instance->KnownServices();
-    slot->instance.reset();
-    delete own;
+    DestroyHostControlInstance(slot->instance);
   }
 }
 

@@ -14,6 +14,7 @@
 #include <thread>
 #include <vector>
 
+#include "support/HostCleanup.h"
 #include "support/RecordingPropertyListener.h"
 #include "support/ScriptedPage.h"
 #include "support/StdoutCapture.h"
@@ -33,6 +34,7 @@ using interop::HostManager;
 using interop::IHostServiceDescriptor;
 using interop::TargetConfig;
 using interop::internal::HostManagerTestPeer;
+using wevlin_test::DestroyHostControlInstance;
 using wevlin_test::ManualTimerQueue;
 using wevlin_test::RecordingPropertyListener;
 using wevlin_test::ScriptedPage;
@@ -81,12 +83,7 @@ class HostControlInstanceTimeOutTest : public ::testing::Test {
     HostManagerTestPeer::Restore(previousManager_);
   }
 
-  void DestroyInstance() {
-    if (!instance_) return;
-    base::IObservableList<IHostServiceDescriptor*>* own = instance_->KnownServices();
-    instance_.reset();
-    delete own;
-  }
+  void DestroyInstance() { DestroyHostControlInstance(instance_); }
 
   // Moves the clock on by `seconds` and runs the check of the armed system
   // timer; returns false when none was armed.
@@ -283,9 +280,7 @@ TEST_F(HostControlInstanceTimeOutTest, InstancesShareOneSystemTimer) {
   EXPECT_EQ(other->GetContentState(), interop::TimedOut);
   EXPECT_FALSE(Queue().IsArmed());
 
-  base::IObservableList<IHostServiceDescriptor*>* otherOwn = other->KnownServices();
-  other.reset();
-  delete otherOwn;
+  DestroyHostControlInstance(other);
 }
 
 TEST_F(HostControlInstanceTimeOutTest, DestroyedInstanceIsNeverTimedOut) {

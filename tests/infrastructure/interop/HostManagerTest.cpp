@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/CountingService.h"
+#include "support/ExceptionChecks.h"
 #include "support/StdoutCapture.h"
 #include "wevlin/infrastructure/base/IEventSource.h"
 #include "wevlin/infrastructure/base/IListChangeListener.h"
@@ -41,6 +42,7 @@ using ::testing::Throw;
 using wevlin_test::CountingService;
 using wevlin_test::ServiceProbe;
 using wevlin_test::StdoutCapture;
+using wevlin_test::ThrowsExactly;
 
 using ServiceList = base::IObservableList<IHostServiceDescriptor*>;
 using ServiceEvent = base::ListChangeEvent<IHostServiceDescriptor*>;
@@ -70,19 +72,6 @@ Services Contents(const ServiceList* list) {
   Services contents;
   for (int i = 0; i < list->GetSize(); ++i) contents.push_back(list->GetAt(i));
   return contents;
-}
-
-// Runs `statement`, expecting std::invalid_argument with what() == `text`.
-template <typename Statement>
-void ExpectInvalidArgument(Statement statement, const std::string& text) {
-  try {
-    statement();
-    ADD_FAILURE() << "no exception; expected std::invalid_argument \"" << text << "\"";
-  } catch (const std::invalid_argument& e) {
-    EXPECT_EQ(std::string(e.what()), text);
-  } catch (const std::exception& e) {
-    ADD_FAILURE() << "wrong exception type; what() is \"" << e.what() << "\"";
-  }
 }
 
 // Every test gets a fresh, empty process-wide manager, and the services still
@@ -172,14 +161,16 @@ TEST_F(HostManagerTest, KnownServicesIsTheListItselfNotACopy) {
 
 TEST_F(HostManagerTest, RegisteringNullThrowsDescriptor) {
   Observe();
-  ExpectInvalidArgument([&] { manager_->RegisterService(nullptr); }, "descriptor");
+  EXPECT_TRUE(ThrowsExactly<std::invalid_argument>([&] { manager_->RegisterService(nullptr); },
+                                                   "descriptor"));
   EXPECT_EQ(manager_->KnownServices()->GetSize(), 0);
 }
 
 TEST_F(HostManagerTest, RegisteringAnEmptyFqnThrowsFqn) {
   Observe();
   CountingService service("", "_2014_02", &probe_);
-  ExpectInvalidArgument([&] { manager_->RegisterService(&service); }, "fqn");
+  EXPECT_TRUE(
+      ThrowsExactly<std::invalid_argument>([&] { manager_->RegisterService(&service); }, "fqn"));
   EXPECT_EQ(manager_->KnownServices()->GetSize(), 0);
   EXPECT_EQ(probe_.destroyed, 0);
 }
@@ -187,14 +178,16 @@ TEST_F(HostManagerTest, RegisteringAnEmptyFqnThrowsFqn) {
 TEST_F(HostManagerTest, EmptyFqnIsCheckedBeforeEmptyVersion) {
   Observe();
   CountingService service("", "", &probe_);
-  ExpectInvalidArgument([&] { manager_->RegisterService(&service); }, "fqn");
+  EXPECT_TRUE(
+      ThrowsExactly<std::invalid_argument>([&] { manager_->RegisterService(&service); }, "fqn"));
   EXPECT_EQ(manager_->KnownServices()->GetSize(), 0);
 }
 
 TEST_F(HostManagerTest, RegisteringAnEmptyVersionThrowsVersion) {
   Observe();
   CountingService service("a.b", "", &probe_);
-  ExpectInvalidArgument([&] { manager_->RegisterService(&service); }, "version");
+  EXPECT_TRUE(ThrowsExactly<std::invalid_argument>([&] { manager_->RegisterService(&service); },
+                                                   "version"));
   EXPECT_EQ(manager_->KnownServices()->GetSize(), 0);
   EXPECT_EQ(probe_.destroyed, 0);
 }
@@ -204,7 +197,8 @@ TEST_F(HostManagerTest, RefusedRegistrationLeavesEarlierServicesAlone) {
   manager_->RegisterService(kept);
   Observe();
   CountingService sameNameNoVersion("a.b", "", &probe_);
-  ExpectInvalidArgument([&] { manager_->RegisterService(&sameNameNoVersion); }, "version");
+  EXPECT_TRUE(ThrowsExactly<std::invalid_argument>(
+      [&] { manager_->RegisterService(&sameNameNoVersion); }, "version"));
   EXPECT_EQ(Contents(manager_->KnownServices()), Services{kept});
   EXPECT_EQ(probe_.destroyed, 0);
 }
@@ -374,11 +368,11 @@ TEST_F(HostManagerTest, RegisterServicesStopsAtTheFirstFailureKeepingEarlierOnes
   CountingService noVersion("e.f", "", &probe_);
   CountingService after("g.h", "_2014_02", &probe_);
 
-  ExpectInvalidArgument(
+  EXPECT_TRUE(ThrowsExactly<std::invalid_argument>(
       [&] {
         manager_->RegisterServices({first, second, &noVersion, &after});
       },
-      "version");
+      "version"));
   EXPECT_EQ(Contents(manager_->KnownServices()), (Services{first, second}));
   BaseServiceDescriptor askAfter("g.h", "_2014_02");
   EXPECT_EQ(manager_->LookupService(&askAfter), nullptr);
@@ -387,17 +381,18 @@ TEST_F(HostManagerTest, RegisterServicesStopsAtTheFirstFailureKeepingEarlierOnes
 TEST_F(HostManagerTest, RegisterServicesReportsANullElementAsDescriptor) {
   CountingService* first = NewService("a.b", "_2014_02");
   CountingService after("c.d", "_2014_02", &probe_);
-  ExpectInvalidArgument(
+  EXPECT_TRUE(ThrowsExactly<std::invalid_argument>(
       [&] {
         manager_->RegisterServices({first, nullptr, &after});
       },
-      "descriptor");
+      "descriptor"));
   EXPECT_EQ(Contents(manager_->KnownServices()), Services{first});
 }
 
 TEST_F(HostManagerTest, RegisterServicesReportsAnEmptyFqnAsFqn) {
   CountingService noName("", "", &probe_);
-  ExpectInvalidArgument([&] { manager_->RegisterServices({&noName}); }, "fqn");
+  EXPECT_TRUE(
+      ThrowsExactly<std::invalid_argument>([&] { manager_->RegisterServices({&noName}); }, "fqn"));
   EXPECT_EQ(manager_->KnownServices()->GetSize(), 0);
 }
 

@@ -8,9 +8,9 @@
 #include <random>
 #include <stdexcept>
 #include <string>
-#include <typeinfo>
 #include <vector>
 
+#include "support/ExceptionChecks.h"
 #include "support/StdoutCapture.h"
 #include "wevlin/infrastructure/interop/DataContract.h"
 #include "wevlin/infrastructure/interop/JsonObject.h"
@@ -24,19 +24,7 @@ using interop::DataContract;
 using interop::JsonObject;
 using interop::JsonValue;
 using wevlin_test::StdoutCapture;
-
-template <typename Call>
-std::string Thrown(Call&& call) {
-  try {
-    call();
-  } catch (const std::runtime_error& e) {
-    if (typeid(e) != typeid(std::runtime_error)) return std::string("other: ") + e.what();
-    return std::string("runtime_error: ") + e.what();
-  } catch (...) {
-    return "unknown";
-  }
-  return "none";
-}
+using wevlin_test::Thrown;
 
 constexpr std::size_t kMillion = 1000000;
 

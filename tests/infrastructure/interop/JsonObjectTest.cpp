@@ -5,10 +5,10 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
-#include <typeinfo>
 #include <utility>
 #include <vector>
 
+#include "support/ExceptionChecks.h"
 #include "support/StdoutCapture.h"
 #include "wevlin/infrastructure/interop/JsonValue.h"
 
@@ -17,22 +17,7 @@ namespace {
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::JsonObject;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::JsonValue;
 using wevlin_test::StdoutCapture;
-
-template <typename Call>
-std::string Thrown(Call&& call) {
-  try {
-    call();
-  } catch (const std::logic_error& e) {
-    if (typeid(e) != typeid(std::logic_error)) return std::string("other: ") + e.what();
-    return std::string("logic_error: ") + e.what();
-  } catch (const std::runtime_error& e) {
-    if (typeid(e) != typeid(std::runtime_error)) return std::string("other: ") + e.what();
-    return std::string("runtime_error: ") + e.what();
-  } catch (...) {
-    return "unknown";
-  }
-  return "none";
-}
+using wevlin_test::Thrown;
 
 std::vector<std::string> Names(const JsonObject& object) {
   std::vector<std::string> names;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/CountingService.h"
+#include "support/ExceptionChecks.h"
 #include "support/StdoutCapture.h"
 #include "wevlin/infrastructure/interop/Base64.h"
 #include "wevlin/infrastructure/interop/BaseServiceDescriptor.h"
@@ -22,6 +23,7 @@ using interop::BaseServiceDescriptor;
 using interop::DataServiceDescriptor;
 using wevlin_test::CountingService;
 using wevlin_test::StdoutCapture;
+using wevlin_test::ThrowsExactly;
 
 using DescriptorList = std::vector<DataServiceDescriptor*>;
 
@@ -54,19 +56,6 @@ std::vector<std::pair<std::string, std::string>> Pairs(const DescriptorList& lis
 
 using PairList = std::vector<std::pair<std::string, std::string>>;
 
-// Runs `statement`, expecting exactly the exception type E with what() `text`.
-template <typename E, typename Statement>
-void ExpectThrows(Statement statement, const std::string& text) {
-  try {
-    statement();
-    ADD_FAILURE() << "no exception; expected \"" << text << "\"";
-  } catch (const E& e) {
-    EXPECT_EQ(std::string(e.what()), text);
-  } catch (const std::exception& e) {
-    ADD_FAILURE() << "wrong exception type; what() is \"" << e.what() << "\"";
-  }
-}
-
 // A standard exception whose what() is chosen by the test.
 class PlainFailure : public std::exception {
  public:
@@ -76,7 +65,8 @@ class PlainFailure : public std::exception {
 // --- GetServiceDescJson ------------------------------------------------------------
 
 TEST(JsonSerializationHelperTest, GetServiceDescJsonOfNullThrowsTarget) {
-  ExpectThrows<std::invalid_argument>([] { helper::GetServiceDescJson(nullptr); }, "target");
+  EXPECT_TRUE(
+      ThrowsExactly<std::invalid_argument>([] { helper::GetServiceDescJson(nullptr); }, "target"));
 }
 
 TEST(JsonSerializationHelperTest, GetServiceDescJsonWritesFqnThenSvcVersion) {
@@ -239,26 +229,27 @@ TEST(JsonSerializationHelperTest, DeserializeReadsWhatSerializeWrote) {
 }
 
 TEST(JsonSerializationHelperTest, DeserializeOfTextNotStartingWithABracketThrows) {
-  ExpectThrows<std::runtime_error>(
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
       [] { OwnedList owned(helper::Deserialize<DescriptorList>("{\"FQN\": \"a\"}")); },
-      "JSON data is not an array");
-  ExpectThrows<std::runtime_error>([] { OwnedList owned(helper::Deserialize<DescriptorList>("")); },
-                                   "JSON data is not an array");
-  ExpectThrows<std::runtime_error>(
+      "JSON data is not an array"));
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
+      [] { OwnedList owned(helper::Deserialize<DescriptorList>("")); },
+      "JSON data is not an array"));
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
       [] { OwnedList owned(helper::Deserialize<DescriptorList>("x[]")); },
-      "JSON data is not an array");
+      "JSON data is not an array"));
 }
 
 TEST(JsonSerializationHelperTest, DeserializeOfAnUnclosedArrayThrows) {
-  ExpectThrows<std::runtime_error>(
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
       [] { OwnedList owned(helper::Deserialize<DescriptorList>("[")); },
-      "JSON data is not an array");
-  ExpectThrows<std::runtime_error>(
+      "JSON data is not an array"));
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
       [] {
         OwnedList owned(
             helper::Deserialize<DescriptorList>("[{\"FQN\": \"a\", \"SvcVersion\": \"1\"}"));
       },
-      "JSON data is not an array");
+      "JSON data is not an array"));
 }
 
 TEST(JsonSerializationHelperTest, DeserializeOfAnUnterminatedStringIsAnEmptyVector) {

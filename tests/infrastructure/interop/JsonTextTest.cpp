@@ -12,33 +12,16 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
-#include <typeinfo>
 #include <vector>
 
+#include "support/ExceptionChecks.h"
 #include "support/StdoutCapture.h"
 
 namespace {
 
 namespace json = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::internal;
 using wevlin_test::StdoutCapture;
-
-// Returns "runtime_error: <what>" (or "logic_error: ...") for the exception
-// that `call` throws, naming any other exact type, or "none".
-template <typename Call>
-std::string Thrown(Call&& call) {
-  try {
-    call();
-  } catch (const std::logic_error& e) {
-    if (typeid(e) != typeid(std::logic_error)) return std::string("other: ") + e.what();
-    return std::string("logic_error: ") + e.what();
-  } catch (const std::runtime_error& e) {
-    if (typeid(e) != typeid(std::runtime_error)) return std::string("other: ") + e.what();
-    return std::string("runtime_error: ") + e.what();
-  } catch (...) {
-    return "unknown";
-  }
-  return "none";
-}
+using wevlin_test::Thrown;
 
 // The reference for the number readers: extraction from a string stream in
 // the classic locale that consumes the whole text and fails nowhere.

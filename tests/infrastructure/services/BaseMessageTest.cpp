@@ -3,13 +3,15 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <typeinfo>
 
 #include <gtest/gtest.h>
+
+#include "support/ExceptionChecks.h"
 
 namespace {
 
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::BaseMessage;
+using wevlin_test::ThrowsExactly;
 
 // A message with one member of its own, built the way every service message
 // is: version first, then its members.
@@ -68,13 +70,8 @@ TEST(BaseMessageTest, AVersionThatIsNoStringIsKeptVerbatim) {
 
 TEST(BaseMessageTest, TextThatIsNotAnObjectThrowsAndKeepsTheVersion) {
   BaseMessage message("_2014_02");
-  try {
-    message.FromJsonString("[1]");
-    FAIL() << "no exception";
-  } catch (const std::exception& e) {
-    EXPECT_EQ(typeid(e), typeid(std::runtime_error));
-    EXPECT_EQ(std::string(e.what()), "JSON data is not an object");
-  }
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { message.FromJsonString("[1]"); },
+                                                "JSON data is not an object"));
   EXPECT_EQ(message.GetVersion(), "_2014_02");
 }
 

@@ -8,19 +8,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/HostedPageFixture.h"
 #include "support/MockHostControlInstance.h"
-#include "support/ScriptedPage.h"
-#include "support/TimerEnvironmentScope.h"
-#include "wevlin/infrastructure/base/IObservableList.h"
 #include "wevlin/infrastructure/base/ObservableList.h"
 #include "wevlin/infrastructure/interop/BaseServiceDescriptor.h"
-#include "wevlin/infrastructure/interop/HostAPI.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
-#include "wevlin/infrastructure/interop/HostManager.h"
-#include "wevlin/infrastructure/interop/IHostServiceDescriptor.h"
 #include "wevlin/infrastructure/interop/ITargetServiceDesc.h"
-#include "wevlin/infrastructure/interop/TargetConfig.h"
-#include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
 
 namespace {
 
@@ -203,52 +196,7 @@ static_assert(std::has_virtual_destructor_v<BaseServiceProxy>,
 
 // ---- End to end: a host control instance on a scripted page ------------------
 
-namespace e2e = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
-
-// A fresh host manager, a scripted page, a host control instance on it and the
-// API through which the page's script calls the host. Services registered
-// with the manager are deleted at the end of each test.
-class BaseServiceProxyEndToEndTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    previousManager_ = e2e::internal::HostManagerTestPeer::InstallFresh();
-    manager_ = e2e::HostManager::TheInstance();
-    instance_ = std::make_unique<e2e::HostControlInstance>(&page_);
-    api_ = std::make_unique<e2e::HostAPI>(instance_.get());
-  }
-
-  void TearDown() override {
-    api_.reset();
-    Com::Velmora::TAVO::Wevlin::Infrastructure::Base::IObservableList<e2e::IHostServiceDescriptor*>*
-        own = instance_->KnownServices();
-    instance_.reset();
-    delete own;
-    std::vector<e2e::IHostServiceDescriptor*> services;
-    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
-      services.push_back(manager_->KnownServices()->GetAt(i));
-    }
-    e2e::internal::HostManagerTestPeer::Restore(previousManager_);
-    for (e2e::IHostServiceDescriptor* service : services) delete service;
-  }
-
-  // Launches, completes the load and lets the page run the handshake, so
-  // that calls into the page are allowed; then forgets the lines run so far.
-  void Talk() {
-    instance_->LaunchToTarget(&target_);
-    page_.CompleteLoad();
-    ASSERT_EQ(api_->tavoHost_WebSideStartHandShake(), "");
-    ASSERT_EQ(instance_->GetContentState(), e2e::LoadedCanTalk);
-    page_.ClearRecords();
-  }
-
-  wevlin_test::TimerEnvironmentScope env_;
-  wevlin_test::ScriptedPage page_;
-  e2e::TargetConfig target_{"app", "App", "https://app.example/"};
-  e2e::HostManager* previousManager_ = nullptr;
-  e2e::HostManager* manager_ = nullptr;
-  std::unique_ptr<e2e::HostControlInstance> instance_;
-  std::unique_ptr<e2e::HostAPI> api_;
-};
+using BaseServiceProxyEndToEndTest = wevlin_test::HostedPageFixture;
 
 TEST_F(BaseServiceProxyEndToEndTest, AvailabilityFollowsThePagesAnnouncedList) {
   page_.WebServiceList =

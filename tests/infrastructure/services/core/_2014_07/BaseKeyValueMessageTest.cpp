@@ -2,16 +2,17 @@
 
 #include <stdexcept>
 #include <string>
-#include <typeinfo>
 
 #include <gtest/gtest.h>
 
+#include "support/ExceptionChecks.h"
 #include "wevlin/infrastructure/services/Pair.h"
 
 namespace {
 
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Pair;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Core::_2014_07::BaseKeyValueMessage;
+using wevlin_test::ThrowsExactly;
 
 TEST(BaseKeyValueMessageTest, ADefaultMessageWritesAnEmptyDataList) {
   BaseKeyValueMessage message;
@@ -66,13 +67,8 @@ TEST(BaseKeyValueMessageTest, AnotherVersionIsAccepted) {
 
 TEST(BaseKeyValueMessageTest, DataThatIsNoArrayThrows) {
   BaseKeyValueMessage message;
-  try {
-    message.FromJsonString(R"({"Data": 5})");
-    FAIL() << "no exception";
-  } catch (const std::exception& e) {
-    EXPECT_EQ(typeid(e), typeid(std::runtime_error));
-    EXPECT_EQ(std::string(e.what()), "JSON data is not an array");
-  }
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { message.FromJsonString(R"({"Data": 5})"); },
+                                                "JSON data is not an array"));
   EXPECT_TRUE(message.Data.empty());
 }
 

@@ -1,6 +1,5 @@
 #include "wevlin/infrastructure/services/logging/_2014_02/LoggerForwardSvc.h"
 
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -8,14 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "support/ScriptedPage.h"
-#include "support/TimerEnvironmentScope.h"
-#include "wevlin/infrastructure/interop/HostAPI.h"
-#include "wevlin/infrastructure/interop/HostControlInstance.h"
-#include "wevlin/infrastructure/interop/HostManager.h"
+#include "support/TalkingPageFixture.h"
 #include "wevlin/infrastructure/interop/IHostServiceDescriptor.h"
-#include "wevlin/infrastructure/interop/TargetConfig.h"
-#include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
 #include "wevlin/infrastructure/services/logging/_2014_02/LoggerEntryMsg.h"
 
 namespace {
@@ -128,48 +121,7 @@ TEST_F(LoggerForwardSvcTest, IsDeletedThroughItsDescriptorInterface) {
 
 // ---- End to end: the service on a host control instance over a scripted page
 
-namespace e2e = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
-
-// A fresh host manager, a scripted page, a host control instance on it that
-// has finished the handshake, and the API through which the page's script
-// calls the host. Services registered with the manager are deleted at the end
-// of each test.
-class LoggerForwardSvcEndToEndTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    previousManager_ = e2e::internal::HostManagerTestPeer::InstallFresh();
-    manager_ = e2e::HostManager::TheInstance();
-    instance_ = std::make_unique<e2e::HostControlInstance>(&page_);
-    api_ = std::make_unique<e2e::HostAPI>(instance_.get());
-    instance_->LaunchToTarget(&target_);
-    page_.CompleteLoad();
-    ASSERT_EQ(api_->tavoHost_WebSideStartHandShake(), "");
-    ASSERT_EQ(instance_->GetContentState(), e2e::LoadedCanTalk);
-    page_.ClearRecords();
-  }
-
-  void TearDown() override {
-    api_.reset();
-    Com::Velmora::TAVO::Wevlin::Infrastructure::Base::IObservableList<e2e::IHostServiceDescriptor*>*
-        own = instance_->KnownServices();
-    instance_.reset();
-    delete own;
-    std::vector<e2e::IHostServiceDescriptor*> services;
-    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
-      services.push_back(manager_->KnownServices()->GetAt(i));
-    }
-    e2e::internal::HostManagerTestPeer::Restore(previousManager_);
-    for (e2e::IHostServiceDescriptor* service : services) delete service;
-  }
-
-  wevlin_test::TimerEnvironmentScope env_;
-  wevlin_test::ScriptedPage page_;
-  e2e::TargetConfig target_{"app", "App", "https://app.example/"};
-  e2e::HostManager* previousManager_ = nullptr;
-  e2e::HostManager* manager_ = nullptr;
-  std::unique_ptr<e2e::HostControlInstance> instance_;
-  std::unique_ptr<e2e::HostAPI> api_;
-};
+using LoggerForwardSvcEndToEndTest = wevlin_test::TalkingPageFixture;
 
 constexpr char kLoggerForwardHost[] =
     R"({"FQN": "tavo.wevlin.infrastructure.services.LoggerForward.host", "SvcVersion": "_2014_02"})";

@@ -1,6 +1,5 @@
 #include "wevlin/infrastructure/services/openlocation/_2014_02/OpenLocationProxy.h"
 
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -8,18 +7,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/HostedPageFixture.h"
 #include "support/MockHostControlInstance.h"
-#include "support/ScriptedPage.h"
 #include "support/StdoutCapture.h"
-#include "support/TimerEnvironmentScope.h"
-#include "wevlin/infrastructure/base/IObservableList.h"
-#include "wevlin/infrastructure/interop/HostAPI.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
-#include "wevlin/infrastructure/interop/HostManager.h"
-#include "wevlin/infrastructure/interop/IHostServiceDescriptor.h"
 #include "wevlin/infrastructure/interop/IWebControl.h"
-#include "wevlin/infrastructure/interop/TargetConfig.h"
-#include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
 #include "wevlin/infrastructure/services/core/_2014_02/InteropObjRef.h"
 
 namespace {
@@ -33,108 +25,61 @@ using ::testing::StrictMock;
 using ::testing::Throw;
 using wevlin_test::MockHostControlInstance;
 
-TEST(OpenLocationProxyTest, TargetsThePagesOpenLocationService) {
-  StrictMock<MockHostControlInstance> instance;
-  OpenLocationProxy proxy(&instance);
-  EXPECT_EQ(proxy.GetBaseServiceDescriptor()->GetFQN(),
+// A proxy on a strict mock instance: the instance may be called only as a
+// test expects.
+class OpenLocationProxyTest : public ::testing::Test {
+ protected:
+  StrictMock<MockHostControlInstance> instance_;
+  OpenLocationProxy proxy_{&instance_};
+};
+
+TEST_F(OpenLocationProxyTest, TargetsThePagesOpenLocationService) {
+  EXPECT_EQ(proxy_.GetBaseServiceDescriptor()->GetFQN(),
             "tavo.wevlin.infrastructure.services.openlocation.OpenLocation.client");
-  EXPECT_EQ(proxy.GetBaseServiceDescriptor()->GetSvcVersion(), "_2014_02");
+  EXPECT_EQ(proxy_.GetBaseServiceDescriptor()->GetSvcVersion(), "_2014_02");
 }
 
-TEST(OpenLocationProxyTest, AnEmptyLocationWithoutObjectsSendsExactlyThat) {
-  StrictMock<MockHostControlInstance> instance;
-  OpenLocationProxy proxy(&instance);
-  EXPECT_CALL(instance,
-              InvokeWebEvent(proxy.GetBaseServiceDescriptor(),
+TEST_F(OpenLocationProxyTest, AnEmptyLocationWithoutObjectsSendsExactlyThat) {
+  EXPECT_CALL(instance_,
+              InvokeWebEvent(proxy_.GetBaseServiceDescriptor(),
                              R"({"Version": "_2014_02", "location": "", "OpenComponent": []})"))
       .Times(1);
-  proxy.openLocation("", {});
+  proxy_.openLocation("", {});
 }
 
-TEST(OpenLocationProxyTest, SendsTheLocationAndTheObjectsInOrder) {
-  StrictMock<MockHostControlInstance> instance;
-  OpenLocationProxy proxy(&instance);
+TEST_F(OpenLocationProxyTest, SendsTheLocationAndTheObjectsInOrder) {
   std::vector<InteropObjRef> objects{InteropObjRef("db", "1", "Part"),
                                      InteropObjRef("db", "2", "Doc")};
-  EXPECT_CALL(instance,
-              InvokeWebEvent(proxy.GetBaseServiceDescriptor(),
+  EXPECT_CALL(instance_,
+              InvokeWebEvent(proxy_.GetBaseServiceDescriptor(),
                              R"({"Version": "_2014_02", "location": "parts", "OpenComponent": )"
                              R"([{"DBId": "db", "ObjId": "1", "ObjType": "Part"}, )"
                              R"({"DBId": "db", "ObjId": "2", "ObjType": "Doc"}]})"))
       .Times(1);
-  proxy.openLocation("parts", objects);
+  proxy_.openLocation("parts", objects);
   EXPECT_EQ(objects.size(), 2u);
 }
 
-TEST(OpenLocationProxyTest, AStandardExceptionOfTheInstanceIsSwallowed) {
-  StrictMock<MockHostControlInstance> instance;
-  OpenLocationProxy proxy(&instance);
-  EXPECT_CALL(instance, InvokeWebEvent(proxy.GetBaseServiceDescriptor(), _))
+TEST_F(OpenLocationProxyTest, AStandardExceptionOfTheInstanceIsSwallowed) {
+  EXPECT_CALL(instance_, InvokeWebEvent(proxy_.GetBaseServiceDescriptor(), _))
       .WillOnce(Throw(std::runtime_error("Cannot talk to hosted content")));
-  EXPECT_NO_THROW(proxy.openLocation("home", {}));
+  EXPECT_NO_THROW(proxy_.openLocation("home", {}));
 }
 
-TEST(OpenLocationProxyTest, AScriptFailureOfTheInstanceIsSwallowed) {
-  StrictMock<MockHostControlInstance> instance;
-  OpenLocationProxy proxy(&instance);
-  EXPECT_CALL(instance, InvokeWebEvent(proxy.GetBaseServiceDescriptor(), _))
+TEST_F(OpenLocationProxyTest, AScriptFailureOfTheInstanceIsSwallowed) {
+  EXPECT_CALL(instance_, InvokeWebEvent(proxy_.GetBaseServiceDescriptor(), _))
       .WillOnce(Throw(IWebControl::ScriptException("ReferenceError", "line 1")));
-  EXPECT_NO_THROW(proxy.openLocation("home", {}));
+  EXPECT_NO_THROW(proxy_.openLocation("home", {}));
 }
 
-TEST(OpenLocationProxyTest, WithoutInstanceNothingIsSent) {
+TEST_F(OpenLocationProxyTest, WithoutInstanceNothingIsSent) {
   OpenLocationProxy proxy(nullptr);
   EXPECT_NO_THROW(proxy.openLocation("home", {InteropObjRef("db", "1", "Part")}));
 }
 
 // ---- End to end: a host control instance on a scripted page ------------------
 
-namespace e2e = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
-
-// A fresh host manager, a scripted page, a host control instance on it and the
-// API through which the page's script calls the host. Services registered
-// with the manager are deleted at the end of each test.
-class OpenLocationProxyEndToEndTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    previousManager_ = e2e::internal::HostManagerTestPeer::InstallFresh();
-    manager_ = e2e::HostManager::TheInstance();
-    instance_ = std::make_unique<e2e::HostControlInstance>(&page_);
-    api_ = std::make_unique<e2e::HostAPI>(instance_.get());
-  }
-
-  void TearDown() override {
-    api_.reset();
-    Com::Velmora::TAVO::Wevlin::Infrastructure::Base::IObservableList<e2e::IHostServiceDescriptor*>*
-        own = instance_->KnownServices();
-    instance_.reset();
-    delete own;
-    std::vector<e2e::IHostServiceDescriptor*> services;
-    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
-      services.push_back(manager_->KnownServices()->GetAt(i));
-    }
-    e2e::internal::HostManagerTestPeer::Restore(previousManager_);
-    for (e2e::IHostServiceDescriptor* service : services) delete service;
-  }
-
-  // Launches, completes the load and lets the page run the handshake, so
-  // that calls into the page are allowed; then forgets the lines run so far.
-  void Talk() {
-    instance_->LaunchToTarget(&target_);
-    page_.CompleteLoad();
-    ASSERT_EQ(api_->tavoHost_WebSideStartHandShake(), "");
-    ASSERT_EQ(instance_->GetContentState(), e2e::LoadedCanTalk);
-    page_.ClearRecords();
-  }
-
-  wevlin_test::TimerEnvironmentScope env_;
-  wevlin_test::ScriptedPage page_;
-  e2e::TargetConfig target_{"app", "App", "https://app.example/"};
-  e2e::HostManager* previousManager_ = nullptr;
-  e2e::HostManager* manager_ = nullptr;
-  std::unique_ptr<e2e::HostControlInstance> instance_;
-  std::unique_ptr<e2e::HostAPI> api_;
-};
+using OpenLocationProxyEndToEndTest = wevlin_test::HostedPageFixture;
 
 TEST_F(OpenLocationProxyEndToEndTest, AnEmptyLocationRunsExactlyThisLine) {
   Talk();

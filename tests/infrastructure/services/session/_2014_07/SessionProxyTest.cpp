@@ -1,25 +1,17 @@
 #include "wevlin/infrastructure/services/session/_2014_07/SessionProxy.h"
 
-#include <memory>
 #include <stdexcept>
 #include <string>
-#include <typeinfo>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/ExceptionChecks.h"
+#include "support/HostedPageFixture.h"
 #include "support/MockHostControlInstance.h"
-#include "support/ScriptedPage.h"
-#include "support/TimerEnvironmentScope.h"
-#include "wevlin/infrastructure/base/IObservableList.h"
-#include "wevlin/infrastructure/interop/HostAPI.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
-#include "wevlin/infrastructure/interop/HostManager.h"
-#include "wevlin/infrastructure/interop/IHostServiceDescriptor.h"
 #include "wevlin/infrastructure/interop/ITargetServiceDesc.h"
-#include "wevlin/infrastructure/interop/TargetConfig.h"
-#include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
 #include "wevlin/infrastructure/services/core/_2014_02/InteropObjRef.h"
 #include "wevlin/infrastructure/services/session/_2014_07/SessionMsg.h"
 
@@ -32,6 +24,7 @@ using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Session::_2014_07::S
 using ::testing::StrictMock;
 using ::testing::Throw;
 using wevlin_test::MockHostControlInstance;
+using wevlin_test::ThrowsExactly;
 
 TEST(SessionProxyTest, TargetsThePagesSessionService) {
   SessionProxy proxy(nullptr);
@@ -75,63 +68,13 @@ TEST(SessionProxyTest, AFailureOfTheInstanceReachesTheCaller) {
   SessionProxy proxy(&instance);
   EXPECT_CALL(instance, InvokeWebEvent(proxy.GetBaseServiceDescriptor(), ::testing::_))
       .WillOnce(Throw(std::runtime_error("Cannot talk to hosted content")));
-  try {
-    proxy.UpdateSession(SessionMsg());
-    FAIL() << "no exception";
-  } catch (const std::exception& e) {
-    EXPECT_EQ(typeid(e), typeid(std::runtime_error));
-    EXPECT_EQ(std::string(e.what()), "Cannot talk to hosted content");
-  }
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { proxy.UpdateSession(SessionMsg()); },
+                                                "Cannot talk to hosted content"));
 }
 
 // ---- End to end: a host control instance on a scripted page ------------------
 
-namespace e2e = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
-
-// A fresh host manager, a scripted page, a host control instance on it and the
-// API through which the page's script calls the host. Services registered
-// with the manager are deleted at the end of each test.
-class SessionProxyEndToEndTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    previousManager_ = e2e::internal::HostManagerTestPeer::InstallFresh();
-    manager_ = e2e::HostManager::TheInstance();
-    instance_ = std::make_unique<e2e::HostControlInstance>(&page_);
-    api_ = std::make_unique<e2e::HostAPI>(instance_.get());
-  }
-
-  void TearDown() override {
-    api_.reset();
-    Com::Velmora::TAVO::Wevlin::Infrastructure::Base::IObservableList<e2e::IHostServiceDescriptor*>*
-        own = instance_->KnownServices();
-    instance_.reset();
-    delete own;
-    std::vector<e2e::IHostServiceDescriptor*> services;
-    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
-      services.push_back(manager_->KnownServices()->GetAt(i));
-    }
-    e2e::internal::HostManagerTestPeer::Restore(previousManager_);
-    for (e2e::IHostServiceDescriptor* service : services) delete service;
-  }
-
-  // Launches, completes the load and lets the page run the handshake, so
-  // that calls into the page are allowed; then forgets the lines run so far.
-  void Talk() {
-    instance_->LaunchToTarget(&target_);
-    page_.CompleteLoad();
-    ASSERT_EQ(api_->tavoHost_WebSideStartHandShake(), "");
-    ASSERT_EQ(instance_->GetContentState(), e2e::LoadedCanTalk);
-    page_.ClearRecords();
-  }
-
-  wevlin_test::TimerEnvironmentScope env_;
-  wevlin_test::ScriptedPage page_;
-  e2e::TargetConfig target_{"app", "App", "https://app.example/"};
-  e2e::HostManager* previousManager_ = nullptr;
-  e2e::HostManager* manager_ = nullptr;
-  std::unique_ptr<e2e::HostControlInstance> instance_;
-  std::unique_ptr<e2e::HostAPI> api_;
-};
+using SessionProxyEndToEndTest = wevlin_test::HostedPageFixture;
 
 TEST_F(SessionProxyEndToEndTest, UpdateSessionRunsExactlyOneEventLineInThePage) {
   Talk();
@@ -151,13 +94,8 @@ TEST_F(SessionProxyEndToEndTest, UpdateSessionRunsExactlyOneEventLineInThePage) 
 
 TEST_F(SessionProxyEndToEndTest, BeforeTheHandshakeTheInstanceRefusesTheCall) {
   SessionProxy proxy(instance_.get());
-  try {
-    proxy.UpdateSession(SessionMsg());
-    FAIL() << "no exception";
-  } catch (const std::exception& e) {
-    EXPECT_EQ(typeid(e), typeid(std::runtime_error));
-    EXPECT_EQ(std::string(e.what()), "Cannot talk to hosted content");
-  }
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { proxy.UpdateSession(SessionMsg()); },
+                                                "Cannot talk to hosted content"));
   EXPECT_TRUE(page_.Scripts().empty());
 }
 

@@ -1,35 +1,29 @@
 #include "wevlin/infrastructure/services/soa/_2014_02/AsyncSoaJsonMessageSvc.h"
 
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <type_traits>
-#include <typeinfo>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/ExceptionChecks.h"
 #include "support/MockHostControlInstance.h"
-#include "support/ScriptedPage.h"
+#include "support/ServiceFixture.h"
 #include "support/StdoutCapture.h"
-#include "support/TimerEnvironmentScope.h"
+#include "support/TalkingPageFixture.h"
+#include "support/WebEventRecorder.h"
 #include "wevlin/infrastructure/interop/ExceptionInfo.h"
-#include "wevlin/infrastructure/interop/HostAPI.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
-#include "wevlin/infrastructure/interop/HostManager.h"
-#include "wevlin/infrastructure/interop/ITargetServiceDesc.h"
 #include "wevlin/infrastructure/interop/IWebControl.h"
-#include "wevlin/infrastructure/interop/TargetConfig.h"
-#include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
 #include "wevlin/infrastructure/services/soa/_2014_02/IHandleAsyncSoaJsonServiceRequest.h"
 
 namespace {
 
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ExceptionInfo;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::IHostServiceDescriptor;
-using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ITargetServiceDesc;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::IWebControl;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::BaseHostingService;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::AsyncSoaJsonMessageSvc;
@@ -38,8 +32,11 @@ using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::SoaResponseCallback;
 using ::testing::_;
 using ::testing::StrictMock;
+using ::testing::Throw;
 using wevlin_test::MockHostControlInstance;
 using wevlin_test::StdoutCapture;
+using wevlin_test::ThrowsExactly;
+using wevlin_test::WebEventRecorder;
 
 static_assert(std::is_abstract_v<IHandleAsyncSoaJsonServiceRequest>);
 static_assert(!std::has_virtual_destructor_v<IHandleAsyncSoaJsonServiceRequest>);
@@ -84,24 +81,6 @@ std::string Request(const std::string& version, const std::string& cacheIdJson =
          R"("ServiceName": "Orders", "OperationName": "List", "Message": "{\"page\": 2}"})";
 }
 
-// What reached the page's reply service.
-struct Sent {
-  int count = 0;
-  std::string fqn;
-  std::string version;
-  std::string text;
-};
-
-void ExpectOneReply(StrictMock<MockHostControlInstance>& instance, Sent& sent) {
-  EXPECT_CALL(instance, InvokeWebEvent(_, _))
-      .WillOnce([&sent](ITargetServiceDesc* target, std::string text) {
-        ++sent.count;
-        sent.fqn = target->GetFQN();
-        sent.version = target->GetSvcVersion();
-        sent.text = text;
-      });
-}
-
 // Sends `request` through a fresh service, answers it with `answer` and
 // `error`, and returns the reply text that reached the page.
 std::string ReplyTo(const std::string& request, const std::string& answer,
@@ -109,84 +88,74 @@ std::string ReplyTo(const std::string& request, const std::string& answer,
   StrictMock<MockHostControlInstance> instance;
   CapturingHandler handler;
   AsyncSoaJsonMessageSvc service(&handler);
-  Sent sent;
-  ExpectOneReply(instance, sent);
+  WebEventRecorder sent;
+  sent.Expect(instance);
   service.InvokeEvent(&instance, &service, request);
   EXPECT_EQ(handler.calls, 1);
   if (handler.callback == nullptr) return "no callback";
   handler.callback(handler.context, answer, error);
-  EXPECT_EQ(sent.count, 1);
-  EXPECT_EQ(sent.fqn, "app.Reply.client");
-  EXPECT_EQ(sent.version, "_2014_02");
-  return sent.text;
+  EXPECT_EQ(sent.Count(), 1);
+  EXPECT_EQ(sent.Last().fqn, "app.Reply.client");
+  EXPECT_EQ(sent.Last().version, "_2014_02");
+  return sent.Last().text;
 }
 
-// Returns the what() of the std::invalid_argument that the event `payload`
-// throws, after checking that the handler was not called.
-std::string RejectionOf(const std::string& payload) {
+// Checks that a fresh service rejects the event `payload` with a
+// std::invalid_argument whose what() is `what`, without calling the handler.
+::testing::AssertionResult Rejects(const std::string& payload, const std::string& what) {
   StrictMock<MockHostControlInstance> instance;
   CapturingHandler handler;
   AsyncSoaJsonMessageSvc service(&handler);
-  std::string what = "accepted";
-  try {
-    service.InvokeEvent(&instance, &service, payload);
-  } catch (const std::exception& e) {
-    what = typeid(e) == typeid(std::invalid_argument) ? e.what()
-                                                      : std::string("wrong type: ") + e.what();
-  }
+  ::testing::AssertionResult result = ThrowsExactly<std::invalid_argument>(
+      [&] { service.InvokeEvent(&instance, &service, payload); }, what);
   EXPECT_EQ(handler.calls, 0);
   if (handler.callback != nullptr) handler.callback(handler.context, "", ExceptionInfo());
-  return what;
+  return result;
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, IsTheAsyncSoaHostServiceOfVersion2014_02) {
-  CapturingHandler handler;
-  AsyncSoaJsonMessageSvc service(&handler);
-  EXPECT_EQ(service.GetFQN(), "tavo.wevlin.infrastructure.services.soa.AsyncSoaJsonMessage.host");
-  EXPECT_EQ(service.GetSvcVersion(), "_2014_02");
+using AsyncSoaJsonMessageSvcTest =
+    wevlin_test::ServiceFixture<AsyncSoaJsonMessageSvc, CapturingHandler>;
+
+TEST_F(AsyncSoaJsonMessageSvcTest, IsTheAsyncSoaHostServiceOfVersion2014_02) {
+  EXPECT_EQ(service_.GetFQN(), "tavo.wevlin.infrastructure.services.soa.AsyncSoaJsonMessage.host");
+  EXPECT_EQ(service_.GetSvcVersion(), "_2014_02");
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, HandsNamesAndBodyToTheHandlerAndSendsNothingYet) {
-  StrictMock<MockHostControlInstance> instance;
-  CapturingHandler handler;
-  AsyncSoaJsonMessageSvc service(&handler);
-  service.InvokeEvent(&instance, &service, Request("_2014_07"));
-  ASSERT_EQ(handler.calls, 1);
-  EXPECT_EQ(handler.serviceName, "Orders");
-  EXPECT_EQ(handler.operationName, "List");
-  EXPECT_EQ(handler.message, R"({"page": 2})");
-  EXPECT_NE(handler.context, nullptr);
-  ASSERT_NE(handler.callback, nullptr);
-  ::testing::Mock::VerifyAndClearExpectations(&instance);
+TEST_F(AsyncSoaJsonMessageSvcTest, HandsNamesAndBodyToTheHandlerAndSendsNothingYet) {
+  service_.InvokeEvent(&instance_, &service_, Request("_2014_07"));
+  ASSERT_EQ(handler_.calls, 1);
+  EXPECT_EQ(handler_.serviceName, "Orders");
+  EXPECT_EQ(handler_.operationName, "List");
+  EXPECT_EQ(handler_.message, R"({"page": 2})");
+  EXPECT_NE(handler_.context, nullptr);
+  ASSERT_NE(handler_.callback, nullptr);
+  ::testing::Mock::VerifyAndClearExpectations(&instance_);
 
   // Answering sends exactly one event.
-  Sent sent;
-  ExpectOneReply(instance, sent);
-  handler.callback(handler.context, "{}", ExceptionInfo());
-  EXPECT_EQ(sent.count, 1);
+  WebEventRecorder sent;
+  sent.Expect(instance_);
+  handler_.callback(handler_.context, "{}", ExceptionInfo());
+  EXPECT_EQ(sent.Count(), 1);
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, AMethodCallIsNotServed) {
-  StrictMock<MockHostControlInstance> instance;
-  CapturingHandler handler;
-  AsyncSoaJsonMessageSvc service(&handler);
-  EXPECT_EQ(service.InvokeMethod(&instance, &service, Request("_2014_02")), "");
-  EXPECT_EQ(handler.calls, 0);
+TEST_F(AsyncSoaJsonMessageSvcTest, AMethodCallIsNotServed) {
+  EXPECT_EQ(service_.InvokeMethod(&instance_, &service_, Request("_2014_02")), "");
+  EXPECT_EQ(handler_.calls, 0);
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, Version2014_02RequestGetsAnEmbeddedReplyOfVersion2014_02) {
+TEST_F(AsyncSoaJsonMessageSvcTest, Version2014_02RequestGetsAnEmbeddedReplyOfVersion2014_02) {
   EXPECT_EQ(ReplyTo(Request("_2014_02"), R"({"a": 1})"),
             R"({"Version": "_2014_02", "CacheId": "7", "SoaResponse": "eyJhIjogMX0=", )"
             R"("Exception": null})");
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, Version2014_07RequestGetsAnEmbeddedReplyOfVersion2014_07) {
+TEST_F(AsyncSoaJsonMessageSvcTest, Version2014_07RequestGetsAnEmbeddedReplyOfVersion2014_07) {
   EXPECT_EQ(ReplyTo(Request("_2014_07"), R"({"rows": []})"),
             R"({"Version": "_2014_07", "CacheId": "7", "SoaResponse": "eyJyb3dzIjogW119", )"
             R"("Exception": null})");
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, AnyOtherVersionGetsAReplyOfVersion2014_07) {
+TEST_F(AsyncSoaJsonMessageSvcTest, AnyOtherVersionGetsAReplyOfVersion2014_07) {
   const std::string expected =
       R"({"Version": "_2014_07", "CacheId": "7", "SoaResponse": "eyJhIjogMX0=", )"
       R"("Exception": null})";
@@ -195,7 +164,7 @@ TEST(AsyncSoaJsonMessageSvcTest, AnyOtherVersionGetsAReplyOfVersion2014_07) {
   EXPECT_EQ(ReplyTo(Request(""), R"({"a": 1})"), expected);
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, ARequestWithoutVersionCountsAsVersion2014_02) {
+TEST_F(AsyncSoaJsonMessageSvcTest, ARequestWithoutVersionCountsAsVersion2014_02) {
   EXPECT_EQ(
       ReplyTo(
           R"({"CacheId": "7", "ReplyServiceDescriptor": "{\"FQN\": \"app.Reply.client\", \"SvcVersion\": \"_2014_02\"}"})",
@@ -203,12 +172,12 @@ TEST(AsyncSoaJsonMessageSvcTest, ARequestWithoutVersionCountsAsVersion2014_02) {
       R"({"Version": "_2014_02", "CacheId": "7", "SoaResponse": "", "Exception": null})");
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, Version2015_10EmbedsTheQuotedAnswerAsRawJson) {
+TEST_F(AsyncSoaJsonMessageSvcTest, Version2015_10EmbedsTheQuotedAnswerAsRawJson) {
   EXPECT_EQ(ReplyTo(Request("_2015_10"), R"("{"a": 1}")"),
             R"({"CacheId":"7","SoaResponse":{"a": 1},"Version":"_2015_10"})");
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, Version2015_10CutsAtTheLastDoubleQuote) {
+TEST_F(AsyncSoaJsonMessageSvcTest, Version2015_10CutsAtTheLastDoubleQuote) {
   // Whatever follows the last quote is dropped, the first character always.
   EXPECT_EQ(ReplyTo(Request("_2015_10"), R"("[1, "x"]"  )"),
             R"({"CacheId":"7","SoaResponse":[1, "x"],"Version":"_2015_10"})");
@@ -216,12 +185,12 @@ TEST(AsyncSoaJsonMessageSvcTest, Version2015_10CutsAtTheLastDoubleQuote) {
             R"({"CacheId":"7","SoaResponse":"a":"b,"Version":"_2015_10"})");
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, Version2015_10WithoutQuoteKeepsAllButTheFirstCharacter) {
+TEST_F(AsyncSoaJsonMessageSvcTest, Version2015_10WithoutQuoteKeepsAllButTheFirstCharacter) {
   EXPECT_EQ(ReplyTo(Request("_2015_10"), "[42]"),
             R"({"CacheId":"7","SoaResponse":42],"Version":"_2015_10"})");
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, Version2015_10WithNothingToEmbedWritesNull) {
+TEST_F(AsyncSoaJsonMessageSvcTest, Version2015_10WithNothingToEmbedWritesNull) {
   const std::string expected = R"({"CacheId":"7","SoaResponse":null,"Version":"_2015_10"})";
   EXPECT_EQ(ReplyTo(Request("_2015_10"), ""), expected);
   EXPECT_EQ(ReplyTo(Request("_2015_10"), "\""), expected);
@@ -229,12 +198,12 @@ TEST(AsyncSoaJsonMessageSvcTest, Version2015_10WithNothingToEmbedWritesNull) {
   EXPECT_EQ(ReplyTo(Request("_2015_10"), "x"), expected);
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, Version2015_10InsertsTheCacheIdAsItStands) {
+TEST_F(AsyncSoaJsonMessageSvcTest, Version2015_10InsertsTheCacheIdAsItStands) {
   EXPECT_EQ(ReplyTo(Request("_2015_10", R"("a\"b")"), R"("1")"),
             R"({"CacheId":"a"b","SoaResponse":1,"Version":"_2015_10"})");
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, AFailureKeepsTheRequestsOwnVersionEvenVersion2015_10) {
+TEST_F(AsyncSoaJsonMessageSvcTest, AFailureKeepsTheRequestsOwnVersionEvenVersion2015_10) {
   const ExceptionInfo error(std::runtime_error("server down"));
   EXPECT_EQ(ReplyTo(Request("_2015_10"), R"("{"a": 1}")", error),
             R"({"Version": "_2015_10", "CacheId": "7", "SoaResponse": "", )"
@@ -247,7 +216,7 @@ TEST(AsyncSoaJsonMessageSvcTest, AFailureKeepsTheRequestsOwnVersionEvenVersion20
             R"("Exception": {"name": "std::runtime_error", "message": "server down"}})");
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, ARecordWithOnlyANameOrOnlyAMessageIsAFailure) {
+TEST_F(AsyncSoaJsonMessageSvcTest, ARecordWithOnlyANameOrOnlyAMessageIsAFailure) {
   ExceptionInfo nameOnly;
   nameOnly.name = "Timeout";
   EXPECT_EQ(ReplyTo(Request("_2014_07"), "x", nameOnly),
@@ -260,86 +229,74 @@ TEST(AsyncSoaJsonMessageSvcTest, ARecordWithOnlyANameOrOnlyAMessageIsAFailure) {
             R"("Exception": {"name": "", "message": "late"}})");
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, RejectsANonRequestWithBadPayloadData) {
-  EXPECT_EQ(RejectionOf("not json"), "Bad payload data");
-  EXPECT_EQ(RejectionOf("[1]"), "Bad payload data");
-  EXPECT_EQ(RejectionOf(""), "Bad payload data");
+TEST_F(AsyncSoaJsonMessageSvcTest, RejectsANonRequestWithBadPayloadData) {
+  EXPECT_TRUE(Rejects("not json", "Bad payload data"));
+  EXPECT_TRUE(Rejects("[1]", "Bad payload data"));
+  EXPECT_TRUE(Rejects("", "Bad payload data"));
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, AMissingCacheIdIsReportedEvenWhenTheDescriptorIsMissingToo) {
-  EXPECT_EQ(RejectionOf(R"({"Version": "_2014_02"})"), "CacheId is missing");
-  EXPECT_EQ(RejectionOf(R"({"CacheId": "", "ReplyServiceDescriptor": "", "Version": "_2014_02"})"),
-            "CacheId is missing");
+TEST_F(AsyncSoaJsonMessageSvcTest, AMissingCacheIdIsReportedEvenWhenTheDescriptorIsMissingToo) {
+  EXPECT_TRUE(Rejects(R"({"Version": "_2014_02"})", "CacheId is missing"));
+  EXPECT_TRUE(Rejects(R"({"CacheId": "", "ReplyServiceDescriptor": "", "Version": "_2014_02"})",
+                      "CacheId is missing"));
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, AnEmptyReplyDescriptorIsMissing) {
-  EXPECT_EQ(RejectionOf(R"({"CacheId":"7","ReplyServiceDescriptor":"","Version":"_2014_02"})"),
-            "ReplyServiceDescriptor is missing");
+TEST_F(AsyncSoaJsonMessageSvcTest, AnEmptyReplyDescriptorIsMissing) {
+  EXPECT_TRUE(Rejects(R"({"CacheId":"7","ReplyServiceDescriptor":"","Version":"_2014_02"})",
+                      "ReplyServiceDescriptor is missing"));
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, AReplyDescriptorThatIsNoObjectIsIncorrect) {
-  EXPECT_EQ(RejectionOf(R"({"CacheId": "7", "ReplyServiceDescriptor": "app.Reply.client"})"),
-            "ReplyServiceDescriptor is incorrect");
-  EXPECT_EQ(RejectionOf(R"({"CacheId": "7", "ReplyServiceDescriptor": "[]"})"),
-            "ReplyServiceDescriptor is incorrect");
+TEST_F(AsyncSoaJsonMessageSvcTest, AReplyDescriptorThatIsNoObjectIsIncorrect) {
+  EXPECT_TRUE(Rejects(R"({"CacheId": "7", "ReplyServiceDescriptor": "app.Reply.client"})",
+                      "ReplyServiceDescriptor is incorrect"));
+  EXPECT_TRUE(Rejects(R"({"CacheId": "7", "ReplyServiceDescriptor": "[]"})",
+                      "ReplyServiceDescriptor is incorrect"));
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, ASendingFailureWritesOneLineAndDoesNotThrow) {
-  StrictMock<MockHostControlInstance> instance;
-  CapturingHandler handler;
-  AsyncSoaJsonMessageSvc service(&handler);
-  service.InvokeEvent(&instance, &service, Request("_2014_07"));
-  ASSERT_NE(handler.callback, nullptr);
-  EXPECT_CALL(instance, InvokeWebEvent(_, _)).WillOnce([](ITargetServiceDesc*, std::string) {
-    throw std::runtime_error("Cannot talk to hosted content");
-  });
+TEST_F(AsyncSoaJsonMessageSvcTest, ASendingFailureWritesOneLineAndDoesNotThrow) {
+  service_.InvokeEvent(&instance_, &service_, Request("_2014_07"));
+  ASSERT_NE(handler_.callback, nullptr);
+  EXPECT_CALL(instance_, InvokeWebEvent(_, _))
+      .WillOnce(Throw(std::runtime_error("Cannot talk to hosted content")));
   StdoutCapture capture;
-  EXPECT_NO_THROW(handler.callback(handler.context, "{}", ExceptionInfo()));
+  EXPECT_NO_THROW(handler_.callback(handler_.context, "{}", ExceptionInfo()));
   EXPECT_EQ(capture.Text(), kSendFailedLine);
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, AScriptFailureWhileSendingIsCaughtToo) {
-  StrictMock<MockHostControlInstance> instance;
-  CapturingHandler handler;
-  AsyncSoaJsonMessageSvc service(&handler);
-  service.InvokeEvent(&instance, &service, Request("_2015_10"));
-  ASSERT_NE(handler.callback, nullptr);
-  EXPECT_CALL(instance, InvokeWebEvent(_, _)).WillOnce([](ITargetServiceDesc*, std::string) {
-    throw IWebControl::ScriptException("script failed", "line 1");
-  });
+TEST_F(AsyncSoaJsonMessageSvcTest, AScriptFailureWhileSendingIsCaughtToo) {
+  service_.InvokeEvent(&instance_, &service_, Request("_2015_10"));
+  ASSERT_NE(handler_.callback, nullptr);
+  EXPECT_CALL(instance_, InvokeWebEvent(_, _))
+      .WillOnce(Throw(IWebControl::ScriptException("script failed", "line 1")));
   StdoutCapture capture;
-  EXPECT_NO_THROW(handler.callback(handler.context, R"("1")", ExceptionInfo()));
+  EXPECT_NO_THROW(handler_.callback(handler_.context, R"("1")", ExceptionInfo()));
   EXPECT_EQ(capture.Text(), kSendFailedLine);
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, ARequestReceivedWithoutInstanceIsReportedWhenAnswered) {
-  CapturingHandler handler;
-  AsyncSoaJsonMessageSvc service(&handler);
-  service.InvokeEvent(nullptr, &service, Request("_2014_02"));
-  ASSERT_NE(handler.callback, nullptr);
+TEST_F(AsyncSoaJsonMessageSvcTest, ARequestReceivedWithoutInstanceIsReportedWhenAnswered) {
+  service_.InvokeEvent(nullptr, &service_, Request("_2014_02"));
+  ASSERT_NE(handler_.callback, nullptr);
   StdoutCapture capture;
-  EXPECT_NO_THROW(handler.callback(handler.context, "{}", ExceptionInfo()));
+  EXPECT_NO_THROW(handler_.callback(handler_.context, "{}", ExceptionInfo()));
   EXPECT_EQ(capture.Text(), kSendFailedLine);
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, ANullContextDoesNothing) {
+TEST_F(AsyncSoaJsonMessageSvcTest, ANullContextDoesNothing) {
   StdoutCapture capture;
   EXPECT_NO_THROW(ExposedService::ExternalFacingCallback(nullptr, "{}", ExceptionInfo()));
   EXPECT_EQ(capture.Text(), "");
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, TheHandlersCallbackIsTheServicesCallback) {
-  StrictMock<MockHostControlInstance> instance;
-  CapturingHandler handler;
-  ExposedService service(&handler);
-  service.InvokeEvent(&instance, &service, Request("_2014_02"));
-  EXPECT_EQ(handler.callback, &ExposedService::ExternalFacingCallback);
-  Sent sent;
-  ExpectOneReply(instance, sent);
-  handler.callback(handler.context, "", ExceptionInfo());
+TEST_F(AsyncSoaJsonMessageSvcTest, TheHandlersCallbackIsTheServicesCallback) {
+  ExposedService service(&handler_);
+  service.InvokeEvent(&instance_, &service, Request("_2014_02"));
+  EXPECT_EQ(handler_.callback, &ExposedService::ExternalFacingCallback);
+  WebEventRecorder sent;
+  sent.Expect(instance_);
+  handler_.callback(handler_.context, "", ExceptionInfo());
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, AHandlerExceptionPassesToTheCaller) {
+TEST_F(AsyncSoaJsonMessageSvcTest, AHandlerExceptionPassesToTheCaller) {
   class ThrowingHandler : public IHandleAsyncSoaJsonServiceRequest {
    public:
     void OnSoaJsonRequest(std::string, std::string, std::string, void* context,
@@ -349,88 +306,40 @@ TEST(AsyncSoaJsonMessageSvcTest, AHandlerExceptionPassesToTheCaller) {
       throw std::logic_error("handler failed");
     }
   };
-  StrictMock<MockHostControlInstance> instance;
-  Sent sent;
-  ExpectOneReply(instance, sent);
+  WebEventRecorder sent;
+  sent.Expect(instance_);
   ThrowingHandler handler;
   AsyncSoaJsonMessageSvc service(&handler);
-  try {
-    service.InvokeEvent(&instance, &service, Request("_2014_02"));
-    FAIL() << "no exception";
-  } catch (const std::logic_error& e) {
-    EXPECT_EQ(std::string(e.what()), "handler failed");
-  }
-  EXPECT_EQ(sent.text, R"({"Version": "_2014_02", "CacheId": "7", "SoaResponse": "", )"
-                       R"("Exception": {"name": "std::runtime_error", "message": "busy"}})");
+  EXPECT_TRUE(ThrowsExactly<std::logic_error>(
+      [&] { service.InvokeEvent(&instance_, &service, Request("_2014_02")); }, "handler failed"));
+  EXPECT_EQ(sent.Last().text, R"({"Version": "_2014_02", "CacheId": "7", "SoaResponse": "", )"
+                              R"("Exception": {"name": "std::runtime_error", "message": "busy"}})");
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, ACopyServesTheSameHandler) {
-  StrictMock<MockHostControlInstance> instance;
-  CapturingHandler handler;
-  AsyncSoaJsonMessageSvc original(&handler);
-  AsyncSoaJsonMessageSvc copy(original);
-  EXPECT_EQ(copy.GetFQN(), original.GetFQN());
+TEST_F(AsyncSoaJsonMessageSvcTest, ACopyServesTheSameHandler) {
+  AsyncSoaJsonMessageSvc copy(service_);
+  EXPECT_EQ(copy.GetFQN(), service_.GetFQN());
   EXPECT_EQ(copy.GetSvcVersion(), "_2014_02");
-  copy.InvokeEvent(&instance, &copy, Request("_2014_02"));
-  EXPECT_EQ(handler.calls, 1);
-  Sent sent;
-  ExpectOneReply(instance, sent);
-  handler.callback(handler.context, "", ExceptionInfo());
+  copy.InvokeEvent(&instance_, &copy, Request("_2014_02"));
+  EXPECT_EQ(handler_.calls, 1);
+  WebEventRecorder sent;
+  sent.Expect(instance_);
+  handler_.callback(handler_.context, "", ExceptionInfo());
 }
 
-TEST(AsyncSoaJsonMessageSvcTest, IsDeletedThroughItsDescriptorInterface) {
-  CapturingHandler handler;
-  IHostServiceDescriptor* descriptor = new AsyncSoaJsonMessageSvc(&handler);
+TEST_F(AsyncSoaJsonMessageSvcTest, IsDeletedThroughItsDescriptorInterface) {
+  IHostServiceDescriptor* descriptor = new AsyncSoaJsonMessageSvc(&handler_);
   EXPECT_EQ(descriptor->GetFQN(),
             "tavo.wevlin.infrastructure.services.soa.AsyncSoaJsonMessage.host");
   delete descriptor;
-  EXPECT_EQ(handler.calls, 0);
+  EXPECT_EQ(handler_.calls, 0);
 }
 
 // ---- End to end: the service on a host control instance over a scripted page
 
 namespace e2e = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
 
-// A fresh host manager, a scripted page, a host control instance on it that
-// has finished the handshake, and the API through which the page's script
-// calls the host. Services registered with the manager are deleted at the end
-// of each test.
-class AsyncSoaJsonMessageSvcEndToEndTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    previousManager_ = e2e::internal::HostManagerTestPeer::InstallFresh();
-    manager_ = e2e::HostManager::TheInstance();
-    instance_ = std::make_unique<e2e::HostControlInstance>(&page_);
-    api_ = std::make_unique<e2e::HostAPI>(instance_.get());
-    instance_->LaunchToTarget(&target_);
-    page_.CompleteLoad();
-    ASSERT_EQ(api_->tavoHost_WebSideStartHandShake(), "");
-    ASSERT_EQ(instance_->GetContentState(), e2e::LoadedCanTalk);
-    page_.ClearRecords();
-  }
-
-  void TearDown() override {
-    api_.reset();
-    Com::Velmora::TAVO::Wevlin::Infrastructure::Base::IObservableList<e2e::IHostServiceDescriptor*>*
-        own = instance_->KnownServices();
-    instance_.reset();
-    delete own;
-    std::vector<e2e::IHostServiceDescriptor*> services;
-    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
-      services.push_back(manager_->KnownServices()->GetAt(i));
-    }
-    e2e::internal::HostManagerTestPeer::Restore(previousManager_);
-    for (e2e::IHostServiceDescriptor* service : services) delete service;
-  }
-
-  wevlin_test::TimerEnvironmentScope env_;
-  wevlin_test::ScriptedPage page_;
-  e2e::TargetConfig target_{"app", "App", "https://app.example/"};
-  e2e::HostManager* previousManager_ = nullptr;
-  e2e::HostManager* manager_ = nullptr;
-  std::unique_ptr<e2e::HostControlInstance> instance_;
-  std::unique_ptr<e2e::HostAPI> api_;
-};
+using AsyncSoaJsonMessageSvcEndToEndTest = wevlin_test::TalkingPageFixture;
 
 constexpr char kAsyncSoaHost[] =
     R"({"FQN": "tavo.wevlin.infrastructure.services.soa.AsyncSoaJsonMessage.host", )"

@@ -1,7 +1,6 @@
 // The answer callback of the asynchronous SOA service called from threads
 // other than the one that delivered the request, as applications do.
 #include <algorithm>
-#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -12,23 +11,24 @@
 
 #include "support/MockHostControlInstance.h"
 #include "support/StdoutCapture.h"
+#include "support/WebEventRecorder.h"
 #include "wevlin/infrastructure/interop/ExceptionInfo.h"
-#include "wevlin/infrastructure/interop/ITargetServiceDesc.h"
 #include "wevlin/infrastructure/services/soa/_2014_02/AsyncSoaJsonMessageSvc.h"
 #include "wevlin/infrastructure/services/soa/_2014_02/IHandleAsyncSoaJsonServiceRequest.h"
 
 namespace {
 
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ExceptionInfo;
-using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ITargetServiceDesc;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::AsyncSoaJsonMessageSvc;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::
     IHandleAsyncSoaJsonServiceRequest;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::SoaResponseCallback;
 using ::testing::_;
 using ::testing::StrictMock;
+using ::testing::Throw;
 using wevlin_test::MockHostControlInstance;
 using wevlin_test::StdoutCapture;
+using wevlin_test::WebEventRecorder;
 
 // Keeps every pending request, to be answered later on worker threads.
 class QueueingHandler : public IHandleAsyncSoaJsonServiceRequest {
@@ -61,15 +61,8 @@ TEST(AsyncSoaJsonMessageSvcThreadTest, AnAnswerFromAnotherThreadReachesThePage) 
   service.InvokeEvent(&instance, &service, Request("_2015_10", "7"));
   ASSERT_EQ(handler.pending.size(), 1u);
 
-  std::string target;
-  std::string text;
-  std::thread::id sender;
-  EXPECT_CALL(instance, InvokeWebEvent(_, _))
-      .WillOnce([&](ITargetServiceDesc* descriptor, std::string reply) {
-        target = descriptor->GetFQN() + " " + descriptor->GetSvcVersion();
-        text = reply;
-        sender = std::this_thread::get_id();
-      });
+  WebEventRecorder sent;
+  sent.Expect(instance);
   std::thread::id worker;
   std::thread answering([&] {
     worker = std::this_thread::get_id();
@@ -78,10 +71,12 @@ TEST(AsyncSoaJsonMessageSvcThreadTest, AnAnswerFromAnotherThreadReachesThePage) 
   });
   answering.join();
 
-  EXPECT_EQ(sender, worker);
-  EXPECT_NE(sender, std::this_thread::get_id());
-  EXPECT_EQ(target, "app.Reply.client _2014_07");
-  EXPECT_EQ(text, R"({"CacheId":"7","SoaResponse":{"a": 1},"Version":"_2015_10"})");
+  ASSERT_EQ(sent.Count(), 1);
+  EXPECT_EQ(sent.Last().thread, worker);
+  EXPECT_NE(sent.Last().thread, std::this_thread::get_id());
+  EXPECT_EQ(sent.Last().fqn, "app.Reply.client");
+  EXPECT_EQ(sent.Last().version, "_2014_07");
+  EXPECT_EQ(sent.Last().text, R"({"CacheId":"7","SoaResponse":{"a": 1},"Version":"_2015_10"})");
 }
 
 TEST(AsyncSoaJsonMessageSvcThreadTest, AFailedSendOnAnotherThreadWritesOneLineOnly) {
@@ -90,9 +85,8 @@ TEST(AsyncSoaJsonMessageSvcThreadTest, AFailedSendOnAnotherThreadWritesOneLineOn
   AsyncSoaJsonMessageSvc service(&handler);
   service.InvokeEvent(&instance, &service, Request("_2014_02", "9"));
   ASSERT_EQ(handler.pending.size(), 1u);
-  EXPECT_CALL(instance, InvokeWebEvent(_, _)).WillOnce([](ITargetServiceDesc*, std::string) {
-    throw std::runtime_error("Cannot talk to hosted content");
-  });
+  EXPECT_CALL(instance, InvokeWebEvent(_, _))
+      .WillOnce(Throw(std::runtime_error("Cannot talk to hosted content")));
 
   StdoutCapture capture;
   bool escaped = false;
@@ -122,14 +116,8 @@ TEST(AsyncSoaJsonMessageSvcThreadTest, ManyRequestsAnsweredOnTheirOwnThreadsEach
   }
   ASSERT_EQ(handler.pending.size(), static_cast<std::size_t>(kRequests));
 
-  std::mutex mutex;
-  std::vector<std::string> replies;
-  EXPECT_CALL(instance, InvokeWebEvent(_, _))
-      .Times(kRequests)
-      .WillRepeatedly([&](ITargetServiceDesc*, std::string reply) {
-        std::lock_guard<std::mutex> lock(mutex);
-        replies.push_back(reply);
-      });
+  WebEventRecorder sent;
+  sent.Expect(instance, kRequests);
   std::vector<std::thread> workers;
   for (const QueueingHandler::Pending& call : handler.pending) {
     workers.emplace_back([call] {
@@ -148,6 +136,7 @@ TEST(AsyncSoaJsonMessageSvcThreadTest, ManyRequestsAnsweredOnTheirOwnThreadsEach
     expected.push_back(R"({"Version": ")" + version + R"(", "CacheId": ")" + std::to_string(i) +
                        R"(", "SoaResponse": "", "Exception": )" + exception + "}");
   }
+  std::vector<std::string> replies = sent.Texts();
   std::sort(replies.begin(), replies.end());
   std::sort(expected.begin(), expected.end());
   EXPECT_EQ(replies, expected);

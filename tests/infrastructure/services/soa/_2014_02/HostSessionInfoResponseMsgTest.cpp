@@ -5,10 +5,13 @@
 
 #include <gtest/gtest.h>
 
+#include "support/ExceptionChecks.h"
+
 namespace {
 
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::
     HostSessionInfoResponseMsg;
+using wevlin_test::ThrowsExactly;
 
 TEST(HostSessionInfoResponseMsgTest, DefaultIsNoActiveSessionAndNoUser) {
   HostSessionInfoResponseMsg message;
@@ -36,12 +39,9 @@ TEST(HostSessionInfoResponseMsgTest, ReadsBothMembers) {
 
 TEST(HostSessionInfoResponseMsgTest, AFlagThatIsNoBooleanThrows) {
   HostSessionInfoResponseMsg message;
-  try {
-    message.FromJsonString(R"({"IsSessionActive": "yes"})");
-    FAIL() << "no exception";
-  } catch (const std::runtime_error& e) {
-    EXPECT_EQ(std::string(e.what()), "JSON data is not a boolean");
-  }
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
+      [&] { message.FromJsonString(R"({"IsSessionActive": "yes"})"); },
+      "JSON data is not a boolean"));
   EXPECT_FALSE(message.IsSessionActive);
 }
 

@@ -1,30 +1,25 @@
 #include "wevlin/infrastructure/services/soa/_2014_02/RequestHostAuthSvc.h"
 
 #include <map>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <type_traits>
-#include <typeinfo>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/ExceptionChecks.h"
 #include "support/MockHostControlInstance.h"
-#include "support/ScriptedPage.h"
+#include "support/ServiceFixture.h"
 #include "support/StdoutCapture.h"
-#include "support/TimerEnvironmentScope.h"
+#include "support/TalkingPageFixture.h"
+#include "support/WebEventRecorder.h"
 #include "wevlin/infrastructure/interop/ExceptionInfo.h"
-#include "wevlin/infrastructure/interop/HostAPI.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
-#include "wevlin/infrastructure/interop/HostManager.h"
-#include "wevlin/infrastructure/interop/ITargetServiceDesc.h"
 #include "wevlin/infrastructure/interop/IWebControl.h"
-#include "wevlin/infrastructure/interop/TargetConfig.h"
 #include "wevlin/infrastructure/interop/WebSideServiceDescriptor.h"
-#include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
 #include "wevlin/infrastructure/services/soa/_2014_02/IHandleRequestHostAuthSvc.h"
 #include "wevlin/infrastructure/services/soa/_2014_02/RequestHostAuthResponseMsg.h"
 
@@ -32,7 +27,6 @@ namespace {
 
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ExceptionInfo;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::IHostControlInstance;
-using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ITargetServiceDesc;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::IWebControl;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::WebSideServiceDescriptor;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::
@@ -43,8 +37,11 @@ using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::RequestHostAuthSvc;
 using ::testing::_;
 using ::testing::StrictMock;
+using ::testing::Throw;
 using wevlin_test::MockHostControlInstance;
 using wevlin_test::StdoutCapture;
+using wevlin_test::ThrowsExactly;
+using wevlin_test::WebEventRecorder;
 
 static_assert(std::is_abstract_v<IHandleRequestHostAuthSvc>);
 static_assert(!std::has_virtual_destructor_v<IHandleRequestHostAuthSvc>);
@@ -76,67 +73,48 @@ class ExposedService : public RequestHostAuthSvc {
   using RequestHostAuthSvc::RequestHostAuthSvc;
 };
 
-struct Sent {
-  int count = 0;
-  std::string target;
-  std::string text;
-};
-
-void ExpectOneReply(StrictMock<MockHostControlInstance>& instance, Sent& sent) {
-  EXPECT_CALL(instance, InvokeWebEvent(_, _))
-      .WillOnce([&sent](ITargetServiceDesc* target, std::string text) {
-        ++sent.count;
-        sent.target = target->GetFQN() + " " + target->GetSvcVersion();
-        sent.text = text;
-      });
-}
-
-// Sends kRequest, answers it with the given outcome and returns what reached
-// the page.
-Sent ReplyTo(bool isAuthenticated, const ExceptionInfo& error) {
+// Sends kRequest through a fresh service, answers it with the given outcome
+// and returns the one event that reached the page.
+WebEventRecorder::Event ReplyTo(bool isAuthenticated, const ExceptionInfo& error) {
   StrictMock<MockHostControlInstance> instance;
   CapturingHandler handler;
   RequestHostAuthSvc service(&handler);
   service.InvokeEvent(&instance, &service, kRequest);
-  Sent sent;
   EXPECT_EQ(handler.calls, 1);
-  if (handler.callback == nullptr) return sent;
-  ExpectOneReply(instance, sent);
+  if (handler.callback == nullptr) return WebEventRecorder::Event();
+  WebEventRecorder sent;
+  sent.Expect(instance);
   handler.callback(handler.context, isAuthenticated, error);
-  return sent;
+  EXPECT_EQ(sent.Count(), 1);
+  return sent.Last();
 }
 
-std::string RejectionOf(const std::string& payload) {
+// Checks that a fresh service rejects the event `payload` with a
+// std::invalid_argument whose what() is `what`, without calling the handler.
+::testing::AssertionResult Rejects(const std::string& payload, const std::string& what) {
   StrictMock<MockHostControlInstance> instance;
   CapturingHandler handler;
   RequestHostAuthSvc service(&handler);
-  std::string what = "accepted";
-  try {
-    service.InvokeEvent(&instance, &service, payload);
-  } catch (const std::exception& e) {
-    what = typeid(e) == typeid(std::invalid_argument) ? e.what()
-                                                      : std::string("wrong type: ") + e.what();
-  }
+  ::testing::AssertionResult result = ThrowsExactly<std::invalid_argument>(
+      [&] { service.InvokeEvent(&instance, &service, payload); }, what);
   EXPECT_EQ(handler.calls, 0);
-  return what;
+  return result;
 }
 
-TEST(RequestHostAuthSvcTest, IsTheRequestHostAuthServiceOfVersion2014_02) {
-  CapturingHandler handler;
-  RequestHostAuthSvc service(&handler);
-  EXPECT_EQ(service.GetFQN(), "tavo.wevlin.infrastructure.services.soa.RequestHostAuth.host");
-  EXPECT_EQ(service.GetSvcVersion(), "_2014_02");
+using RequestHostAuthSvcTest = wevlin_test::ServiceFixture<RequestHostAuthSvc, CapturingHandler>;
+
+TEST_F(RequestHostAuthSvcTest, IsTheRequestHostAuthServiceOfVersion2014_02) {
+  EXPECT_EQ(service_.GetFQN(), "tavo.wevlin.infrastructure.services.soa.RequestHostAuth.host");
+  EXPECT_EQ(service_.GetSvcVersion(), "_2014_02");
 }
 
-TEST(RequestHostAuthSvcTest, TheContextHoldsExactlyDescriptorResponseAndInstance) {
-  StrictMock<MockHostControlInstance> instance;
-  CapturingHandler handler;
-  ExposedService service(&handler);
-  service.InvokeEvent(&instance, &service, kRequest);
-  ASSERT_EQ(handler.calls, 1);
-  EXPECT_EQ(handler.callback, &ExposedService::ReplyCallback);
+TEST_F(RequestHostAuthSvcTest, TheContextHoldsExactlyDescriptorResponseAndInstance) {
+  ExposedService service(&handler_);
+  service.InvokeEvent(&instance_, &service, kRequest);
+  ASSERT_EQ(handler_.calls, 1);
+  EXPECT_EQ(handler_.callback, &ExposedService::ReplyCallback);
 
-  const Context& context = *static_cast<Context*>(handler.context);
+  const Context& context = *static_cast<Context*>(handler_.context);
   ASSERT_EQ(context.size(), 3u);
   auto* descriptor = static_cast<WebSideServiceDescriptor*>(context.at("descriptor"));
   EXPECT_EQ(descriptor->GetFQN(), "app.AuthReply.client");
@@ -146,30 +124,29 @@ TEST(RequestHostAuthSvcTest, TheContextHoldsExactlyDescriptorResponseAndInstance
   EXPECT_EQ(response->ToJsonString(),
             R"({"Version": "_2014_02", "CacheId": "", "IsAuthenticated": false, )"
             R"("Exception": null})");
-  EXPECT_EQ(static_cast<IHostControlInstance*>(context.at("hostInstance")), &instance);
+  EXPECT_EQ(static_cast<IHostControlInstance*>(context.at("hostInstance")), &instance_);
 
-  Sent sent;
-  ExpectOneReply(instance, sent);
-  handler.callback(handler.context, false, ExceptionInfo());
+  WebEventRecorder sent;
+  sent.Expect(instance_);
+  handler_.callback(handler_.context, false, ExceptionInfo());
 }
 
-TEST(RequestHostAuthSvcTest, ASuccessfulLoginReachesTheReplyServiceWithAnEmptyCacheId) {
-  Sent sent = ReplyTo(true, ExceptionInfo());
-  EXPECT_EQ(sent.count, 1);
-  EXPECT_EQ(sent.target, "app.AuthReply.client _2014_02");
+TEST_F(RequestHostAuthSvcTest, ASuccessfulLoginReachesTheReplyServiceWithAnEmptyCacheId) {
+  const WebEventRecorder::Event sent = ReplyTo(true, ExceptionInfo());
+  EXPECT_EQ(sent.fqn, "app.AuthReply.client");
+  EXPECT_EQ(sent.version, "_2014_02");
   EXPECT_EQ(sent.text, R"({"Version": "_2014_02", "CacheId": "", "IsAuthenticated": true, )"
                        R"("Exception": null})");
 }
 
-TEST(RequestHostAuthSvcTest, AFailedLoginSendsFalse) {
-  Sent sent = ReplyTo(false, ExceptionInfo());
-  EXPECT_EQ(sent.text, R"({"Version": "_2014_02", "CacheId": "", "IsAuthenticated": false, )"
-                       R"("Exception": null})");
+TEST_F(RequestHostAuthSvcTest, AFailedLoginSendsFalse) {
+  EXPECT_EQ(ReplyTo(false, ExceptionInfo()).text,
+            R"({"Version": "_2014_02", "CacheId": "", "IsAuthenticated": false, )"
+            R"("Exception": null})");
 }
 
-TEST(RequestHostAuthSvcTest, AnErrorIsCopiedIntoTheReply) {
-  Sent sent = ReplyTo(false, ExceptionInfo(std::runtime_error("login cancelled")));
-  EXPECT_EQ(sent.text,
+TEST_F(RequestHostAuthSvcTest, AnErrorIsCopiedIntoTheReply) {
+  EXPECT_EQ(ReplyTo(false, ExceptionInfo(std::runtime_error("login cancelled"))).text,
             R"({"Version": "_2014_02", "CacheId": "", "IsAuthenticated": false, )"
             R"("Exception": {"name": "std::runtime_error", "message": "login cancelled"}})");
   ExceptionInfo nameOnly;
@@ -179,134 +156,78 @@ TEST(RequestHostAuthSvcTest, AnErrorIsCopiedIntoTheReply) {
             R"("Exception": {"name": "Cancelled", "message": ""}})");
 }
 
-TEST(RequestHostAuthSvcTest, RejectsANonRequestWithBadPayloadData) {
-  EXPECT_EQ(RejectionOf("<xml/>"), "Bad payload data");
-  EXPECT_EQ(RejectionOf("[]"), "Bad payload data");
+TEST_F(RequestHostAuthSvcTest, RejectsANonRequestWithBadPayloadData) {
+  EXPECT_TRUE(Rejects("<xml/>", "Bad payload data"));
+  EXPECT_TRUE(Rejects("[]", "Bad payload data"));
 }
 
-TEST(RequestHostAuthSvcTest, AMissingCacheIdIsReportedFirst) {
-  EXPECT_EQ(RejectionOf(R"({"Version": "_2014_02"})"), "CacheId is missing");
-  EXPECT_EQ(RejectionOf(R"({"CacheId": "", "ReplyServiceDescriptor": "x"})"), "CacheId is missing");
+TEST_F(RequestHostAuthSvcTest, AMissingCacheIdIsReportedFirst) {
+  EXPECT_TRUE(Rejects(R"({"Version": "_2014_02"})", "CacheId is missing"));
+  EXPECT_TRUE(Rejects(R"({"CacheId": "", "ReplyServiceDescriptor": "x"})", "CacheId is missing"));
 }
 
-TEST(RequestHostAuthSvcTest, AnEmptyReplyDescriptorIsMissing) {
-  EXPECT_EQ(RejectionOf(R"({"CacheId":"7","ReplyServiceDescriptor":"","Version":"_2014_02"})"),
-            "ReplyServiceDescriptor is missing");
+TEST_F(RequestHostAuthSvcTest, AnEmptyReplyDescriptorIsMissing) {
+  EXPECT_TRUE(Rejects(R"({"CacheId":"7","ReplyServiceDescriptor":"","Version":"_2014_02"})",
+                      "ReplyServiceDescriptor is missing"));
 }
 
-TEST(RequestHostAuthSvcTest, AReplyDescriptorThatIsNoObjectIsIncorrect) {
-  EXPECT_EQ(RejectionOf(R"({"CacheId":"7","ReplyServiceDescriptor":"x.client"})"),
-            "ReplyServiceDescriptor is incorrect");
+TEST_F(RequestHostAuthSvcTest, AReplyDescriptorThatIsNoObjectIsIncorrect) {
+  EXPECT_TRUE(Rejects(R"({"CacheId":"7","ReplyServiceDescriptor":"x.client"})",
+                      "ReplyServiceDescriptor is incorrect"));
 }
 
-TEST(RequestHostAuthSvcTest, ASendingFailureWritesOneLineAndDoesNotThrow) {
-  StrictMock<MockHostControlInstance> instance;
-  CapturingHandler handler;
-  RequestHostAuthSvc service(&handler);
-  service.InvokeEvent(&instance, &service, kRequest);
-  ASSERT_NE(handler.callback, nullptr);
-  EXPECT_CALL(instance, InvokeWebEvent(_, _)).WillOnce([](ITargetServiceDesc*, std::string) {
-    throw std::runtime_error("Cannot talk to hosted content");
-  });
+TEST_F(RequestHostAuthSvcTest, ASendingFailureWritesOneLineAndDoesNotThrow) {
+  service_.InvokeEvent(&instance_, &service_, kRequest);
+  ASSERT_NE(handler_.callback, nullptr);
+  EXPECT_CALL(instance_, InvokeWebEvent(_, _))
+      .WillOnce(Throw(std::runtime_error("Cannot talk to hosted content")));
   StdoutCapture capture;
-  EXPECT_NO_THROW(handler.callback(handler.context, true, ExceptionInfo()));
+  EXPECT_NO_THROW(handler_.callback(handler_.context, true, ExceptionInfo()));
   EXPECT_EQ(capture.Text(), kSendFailedLine);
 }
 
-TEST(RequestHostAuthSvcTest, AScriptFailureWhileSendingIsCaughtToo) {
-  StrictMock<MockHostControlInstance> instance;
-  CapturingHandler handler;
-  RequestHostAuthSvc service(&handler);
-  service.InvokeEvent(&instance, &service, kRequest);
-  ASSERT_NE(handler.callback, nullptr);
-  EXPECT_CALL(instance, InvokeWebEvent(_, _)).WillOnce([](ITargetServiceDesc*, std::string) {
-    throw IWebControl::ScriptException("script failed", "");
-  });
+TEST_F(RequestHostAuthSvcTest, AScriptFailureWhileSendingIsCaughtToo) {
+  service_.InvokeEvent(&instance_, &service_, kRequest);
+  ASSERT_NE(handler_.callback, nullptr);
+  EXPECT_CALL(instance_, InvokeWebEvent(_, _))
+      .WillOnce(Throw(IWebControl::ScriptException("script failed", "")));
   StdoutCapture capture;
-  EXPECT_NO_THROW(handler.callback(handler.context, false, ExceptionInfo()));
+  EXPECT_NO_THROW(handler_.callback(handler_.context, false, ExceptionInfo()));
   EXPECT_EQ(capture.Text(), kSendFailedLine);
 }
 
-TEST(RequestHostAuthSvcTest, ARequestReceivedWithoutInstanceIsReportedWhenAnswered) {
-  CapturingHandler handler;
-  RequestHostAuthSvc service(&handler);
-  service.InvokeEvent(nullptr, &service, kRequest);
-  ASSERT_NE(handler.callback, nullptr);
+TEST_F(RequestHostAuthSvcTest, ARequestReceivedWithoutInstanceIsReportedWhenAnswered) {
+  service_.InvokeEvent(nullptr, &service_, kRequest);
+  ASSERT_NE(handler_.callback, nullptr);
   StdoutCapture capture;
-  EXPECT_NO_THROW(handler.callback(handler.context, true, ExceptionInfo()));
+  EXPECT_NO_THROW(handler_.callback(handler_.context, true, ExceptionInfo()));
   EXPECT_EQ(capture.Text(), kSendFailedLine);
 }
 
-TEST(RequestHostAuthSvcTest, ANullContextDoesNothing) {
+TEST_F(RequestHostAuthSvcTest, ANullContextDoesNothing) {
   StdoutCapture capture;
   EXPECT_NO_THROW(ExposedService::ReplyCallback(nullptr, true, ExceptionInfo()));
   EXPECT_EQ(capture.Text(), "");
 }
 
-TEST(RequestHostAuthSvcTest, AMethodCallIsNotServed) {
-  CapturingHandler handler;
-  RequestHostAuthSvc service(&handler);
-  EXPECT_EQ(service.InvokeMethod(nullptr, &service, kRequest), "");
-  EXPECT_EQ(handler.calls, 0);
+TEST_F(RequestHostAuthSvcTest, AMethodCallIsNotServed) {
+  EXPECT_EQ(service_.InvokeMethod(nullptr, &service_, kRequest), "");
+  EXPECT_EQ(handler_.calls, 0);
 }
 
-TEST(RequestHostAuthSvcTest, ACopyServesTheSameHandler) {
-  StrictMock<MockHostControlInstance> instance;
-  CapturingHandler handler;
-  RequestHostAuthSvc original(&handler);
-  RequestHostAuthSvc copy(original);
-  copy.InvokeEvent(&instance, &copy, kRequest);
-  EXPECT_EQ(handler.calls, 1);
-  Sent sent;
-  ExpectOneReply(instance, sent);
-  handler.callback(handler.context, true, ExceptionInfo());
-  EXPECT_EQ(sent.count, 1);
+TEST_F(RequestHostAuthSvcTest, ACopyServesTheSameHandler) {
+  RequestHostAuthSvc copy(service_);
+  copy.InvokeEvent(&instance_, &copy, kRequest);
+  EXPECT_EQ(handler_.calls, 1);
+  WebEventRecorder sent;
+  sent.Expect(instance_);
+  handler_.callback(handler_.context, true, ExceptionInfo());
+  EXPECT_EQ(sent.Count(), 1);
 }
 
 // ---- End to end: the service on a host control instance over a scripted page
 
-namespace e2e = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
-
-// A fresh host manager, a scripted page, a host control instance on it that
-// has finished the handshake, and the API through which the page's script
-// calls the host. Services registered with the manager are deleted at the end
-// of each test.
-class RequestHostAuthSvcEndToEndTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    previousManager_ = e2e::internal::HostManagerTestPeer::InstallFresh();
-    manager_ = e2e::HostManager::TheInstance();
-    instance_ = std::make_unique<e2e::HostControlInstance>(&page_);
-    api_ = std::make_unique<e2e::HostAPI>(instance_.get());
-    instance_->LaunchToTarget(&target_);
-    page_.CompleteLoad();
-    ASSERT_EQ(api_->tavoHost_WebSideStartHandShake(), "");
-    ASSERT_EQ(instance_->GetContentState(), e2e::LoadedCanTalk);
-    page_.ClearRecords();
-  }
-
-  void TearDown() override {
-    api_.reset();
-    Com::Velmora::TAVO::Wevlin::Infrastructure::Base::IObservableList<e2e::IHostServiceDescriptor*>*
-        own = instance_->KnownServices();
-    instance_.reset();
-    delete own;
-    std::vector<e2e::IHostServiceDescriptor*> services;
-    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
-      services.push_back(manager_->KnownServices()->GetAt(i));
-    }
-    e2e::internal::HostManagerTestPeer::Restore(previousManager_);
-    for (e2e::IHostServiceDescriptor* service : services) delete service;
-  }
-
-  wevlin_test::TimerEnvironmentScope env_;
-  wevlin_test::ScriptedPage page_;
-  e2e::TargetConfig target_{"app", "App", "https://app.example/"};
-  e2e::HostManager* previousManager_ = nullptr;
-  e2e::HostManager* manager_ = nullptr;
-  std::unique_ptr<e2e::HostControlInstance> instance_;
-  std::unique_ptr<e2e::HostAPI> api_;
-};
+using RequestHostAuthSvcEndToEndTest = wevlin_test::TalkingPageFixture;
 
 constexpr char kRequestHostAuthHost[] =
     R"({"FQN": "tavo.wevlin.infrastructure.services.soa.RequestHostAuth.host", )"

@@ -9,23 +9,24 @@
 
 #include "support/MockHostControlInstance.h"
 #include "support/StdoutCapture.h"
+#include "support/WebEventRecorder.h"
 #include "wevlin/infrastructure/interop/ExceptionInfo.h"
-#include "wevlin/infrastructure/interop/ITargetServiceDesc.h"
 #include "wevlin/infrastructure/services/soa/_2014_02/IHandleRequestHostAuthSvc.h"
 #include "wevlin/infrastructure/services/soa/_2014_02/RequestHostAuthSvc.h"
 
 namespace {
 
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ExceptionInfo;
-using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ITargetServiceDesc;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::
     IHandleRequestHostAuthSvc;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::RequestHostAuthCallback;
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02::RequestHostAuthSvc;
 using ::testing::_;
 using ::testing::StrictMock;
+using ::testing::Throw;
 using wevlin_test::MockHostControlInstance;
 using wevlin_test::StdoutCapture;
+using wevlin_test::WebEventRecorder;
 
 constexpr char kRequest[] =
     R"({"CacheId":"7","ReplyServiceDescriptor":"{\"FQN\":\"app.AuthReply.client\",\"SvcVersion\":\"_2014_02\"}","Version":"_2014_02"})";
@@ -55,32 +56,26 @@ class ThreadedHandler : public IHandleRequestHostAuthSvc {
 
 TEST(RequestHostAuthSvcThreadTest, AnOutcomeFromAnotherThreadReachesThePage) {
   StrictMock<MockHostControlInstance> instance;
-  std::string target;
-  std::string text;
-  std::thread::id sender;
-  EXPECT_CALL(instance, InvokeWebEvent(_, _))
-      .WillOnce([&](ITargetServiceDesc* descriptor, std::string reply) {
-        target = descriptor->GetFQN() + " " + descriptor->GetSvcVersion();
-        text = reply;
-        sender = std::this_thread::get_id();
-      });
+  WebEventRecorder sent;
+  sent.Expect(instance);
   ThreadedHandler handler;
   RequestHostAuthSvc service(&handler);
   service.InvokeEvent(&instance, &service, kRequest);
   handler.worker.join();
 
   EXPECT_FALSE(handler.escaped);
-  EXPECT_NE(sender, std::this_thread::get_id());
-  EXPECT_EQ(target, "app.AuthReply.client _2014_02");
-  EXPECT_EQ(text, R"({"Version": "_2014_02", "CacheId": "", "IsAuthenticated": true, )"
-                  R"("Exception": null})");
+  ASSERT_EQ(sent.Count(), 1);
+  EXPECT_NE(sent.Last().thread, std::this_thread::get_id());
+  EXPECT_EQ(sent.Last().fqn, "app.AuthReply.client");
+  EXPECT_EQ(sent.Last().version, "_2014_02");
+  EXPECT_EQ(sent.Last().text, R"({"Version": "_2014_02", "CacheId": "", "IsAuthenticated": true, )"
+                              R"("Exception": null})");
 }
 
 TEST(RequestHostAuthSvcThreadTest, AFailedSendOnAnotherThreadWritesOneLineOnly) {
   StrictMock<MockHostControlInstance> instance;
-  EXPECT_CALL(instance, InvokeWebEvent(_, _)).WillOnce([](ITargetServiceDesc*, std::string) {
-    throw std::runtime_error("Cannot talk to hosted content");
-  });
+  EXPECT_CALL(instance, InvokeWebEvent(_, _))
+      .WillOnce(Throw(std::runtime_error("Cannot talk to hosted content")));
   ThreadedHandler handler;
   handler.outcome = false;
   handler.error.message = "denied";

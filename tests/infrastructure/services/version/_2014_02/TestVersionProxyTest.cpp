@@ -1,6 +1,5 @@
 #include "wevlin/infrastructure/services/version/_2014_02/TestVersionProxy.h"
 
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -8,15 +7,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/ExceptionChecks.h"
 #include "support/MockHostControlInstance.h"
-#include "support/ScriptedPage.h"
-#include "support/TimerEnvironmentScope.h"
-#include "wevlin/infrastructure/interop/HostAPI.h"
+#include "support/TalkingPageFixture.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
-#include "wevlin/infrastructure/interop/HostManager.h"
 #include "wevlin/infrastructure/interop/ITargetServiceDesc.h"
-#include "wevlin/infrastructure/interop/TargetConfig.h"
-#include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
 #include "wevlin/infrastructure/services/version/_2014_02/TestVersionResponseMsg.h"
 
 namespace {
@@ -29,6 +24,7 @@ using ::testing::_;
 using ::testing::Return;
 using ::testing::StrictMock;
 using wevlin_test::MockHostControlInstance;
+using wevlin_test::ThrowsExactly;
 
 constexpr char kRequest[] =
     R"({"Version": "_2014_02", "ServiceName": "tavo.wevlin.infrastructure.services.version.TestVersionSvc", "ServiceVersion": "_2014_02"})";
@@ -67,12 +63,8 @@ TEST(TestVersionProxyTest, FailuresOfTheCallPassToTheCaller) {
       .WillOnce([](ITargetServiceDesc*, std::string) -> std::string {
         throw std::runtime_error("Cannot talk to hosted content");
       });
-  try {
-    proxy.GetClientServiceVersion();
-    FAIL() << "no exception";
-  } catch (const std::runtime_error& e) {
-    EXPECT_EQ(std::string(e.what()), "Cannot talk to hosted content");
-  }
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { proxy.GetClientServiceVersion(); },
+                                                "Cannot talk to hosted content"));
 }
 
 TEST(TestVersionProxyDeathTest, AnAnswerOfAnotherVersionFailsTheVersionAssertion) {
@@ -108,46 +100,7 @@ TEST(TestVersionProxyDeathTest, AnAnswerThatIsNotJsonFailsTheNameAssertion) {
 
 namespace e2e = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
 
-// A fresh host manager, a scripted page, a host control instance on it that
-// has finished the handshake, and the API through which the page's script
-// calls the host. Services registered with the manager are deleted at the end
-// of each test.
-class TestVersionProxyEndToEndTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    previousManager_ = e2e::internal::HostManagerTestPeer::InstallFresh();
-    manager_ = e2e::HostManager::TheInstance();
-    instance_ = std::make_unique<e2e::HostControlInstance>(&page_);
-    api_ = std::make_unique<e2e::HostAPI>(instance_.get());
-    instance_->LaunchToTarget(&target_);
-    page_.CompleteLoad();
-    ASSERT_EQ(api_->tavoHost_WebSideStartHandShake(), "");
-    ASSERT_EQ(instance_->GetContentState(), e2e::LoadedCanTalk);
-    page_.ClearRecords();
-  }
-
-  void TearDown() override {
-    api_.reset();
-    Com::Velmora::TAVO::Wevlin::Infrastructure::Base::IObservableList<e2e::IHostServiceDescriptor*>*
-        own = instance_->KnownServices();
-    instance_.reset();
-    delete own;
-    std::vector<e2e::IHostServiceDescriptor*> services;
-    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
-      services.push_back(manager_->KnownServices()->GetAt(i));
-    }
-    e2e::internal::HostManagerTestPeer::Restore(previousManager_);
-    for (e2e::IHostServiceDescriptor* service : services) delete service;
-  }
-
-  wevlin_test::TimerEnvironmentScope env_;
-  wevlin_test::ScriptedPage page_;
-  e2e::TargetConfig target_{"app", "App", "https://app.example/"};
-  e2e::HostManager* previousManager_ = nullptr;
-  e2e::HostManager* manager_ = nullptr;
-  std::unique_ptr<e2e::HostControlInstance> instance_;
-  std::unique_ptr<e2e::HostAPI> api_;
-};
+using TestVersionProxyEndToEndTest = wevlin_test::TalkingPageFixture;
 
 TEST_F(TestVersionProxyEndToEndTest, TheRequestReachesThePageAsAMethodScriptLine) {
   page_.MethodReply =
@@ -167,24 +120,16 @@ TEST_F(TestVersionProxyEndToEndTest, TheRequestReachesThePageAsAMethodScriptLine
 TEST_F(TestVersionProxyEndToEndTest, WhenThePageCannotTalkTheCallFails) {
   instance_->SetContentState(e2e::LoadedNoTalk);
   TestVersionProxy proxy(instance_.get());
-  try {
-    proxy.GetClientServiceVersion();
-    FAIL() << "no exception";
-  } catch (const std::runtime_error& e) {
-    EXPECT_EQ(std::string(e.what()), "Cannot talk to hosted content");
-  }
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { proxy.GetClientServiceVersion(); },
+                                                "Cannot talk to hosted content"));
   EXPECT_TRUE(page_.Scripts().empty());
 }
 
 TEST_F(TestVersionProxyEndToEndTest, AnErrorRecordOfThePagePassesToTheCaller) {
   page_.MethodReply = R"({"Exception": {"name": "Error", "message": "unknown service"}})";
   TestVersionProxy proxy(instance_.get());
-  try {
-    proxy.GetClientServiceVersion();
-    FAIL() << "no exception";
-  } catch (const std::runtime_error& e) {
-    EXPECT_EQ(std::string(e.what()), "Error unknown service");
-  }
+  EXPECT_TRUE(ThrowsExactly<std::runtime_error>([&] { proxy.GetClientServiceVersion(); },
+                                                "Error unknown service"));
 }
 
 }  // namespace

@@ -1,20 +1,13 @@
 #include "wevlin/infrastructure/services/version/_2014_02/TestVersionSvc.h"
 
-#include <memory>
 #include <string>
 #include <type_traits>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "support/MockHostControlInstance.h"
-#include "support/ScriptedPage.h"
-#include "support/TimerEnvironmentScope.h"
-#include "wevlin/infrastructure/interop/HostAPI.h"
+#include "support/TalkingPageFixture.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
-#include "wevlin/infrastructure/interop/HostManager.h"
-#include "wevlin/infrastructure/interop/TargetConfig.h"
-#include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
 #include "wevlin/infrastructure/services/version/_2014_02/IHandleTestVersionSvc.h"
 #include "wevlin/infrastructure/services/version/_2014_02/TestVersionInputMsg.h"
 
@@ -129,48 +122,7 @@ TEST(TestVersionSvcDeathTest, AnEmptyRequestFailsTheNameAssertion) {
 
 // ---- End to end: the service on a host control instance over a scripted page
 
-namespace e2e = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
-
-// A fresh host manager, a scripted page, a host control instance on it that
-// has finished the handshake, and the API through which the page's script
-// calls the host. Services registered with the manager are deleted at the end
-// of each test.
-class TestVersionSvcEndToEndTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    previousManager_ = e2e::internal::HostManagerTestPeer::InstallFresh();
-    manager_ = e2e::HostManager::TheInstance();
-    instance_ = std::make_unique<e2e::HostControlInstance>(&page_);
-    api_ = std::make_unique<e2e::HostAPI>(instance_.get());
-    instance_->LaunchToTarget(&target_);
-    page_.CompleteLoad();
-    ASSERT_EQ(api_->tavoHost_WebSideStartHandShake(), "");
-    ASSERT_EQ(instance_->GetContentState(), e2e::LoadedCanTalk);
-    page_.ClearRecords();
-  }
-
-  void TearDown() override {
-    api_.reset();
-    Com::Velmora::TAVO::Wevlin::Infrastructure::Base::IObservableList<e2e::IHostServiceDescriptor*>*
-        own = instance_->KnownServices();
-    instance_.reset();
-    delete own;
-    std::vector<e2e::IHostServiceDescriptor*> services;
-    for (int i = 0; i < manager_->KnownServices()->GetSize(); ++i) {
-      services.push_back(manager_->KnownServices()->GetAt(i));
-    }
-    e2e::internal::HostManagerTestPeer::Restore(previousManager_);
-    for (e2e::IHostServiceDescriptor* service : services) delete service;
-  }
-
-  wevlin_test::TimerEnvironmentScope env_;
-  wevlin_test::ScriptedPage page_;
-  e2e::TargetConfig target_{"app", "App", "https://app.example/"};
-  e2e::HostManager* previousManager_ = nullptr;
-  e2e::HostManager* manager_ = nullptr;
-  std::unique_ptr<e2e::HostControlInstance> instance_;
-  std::unique_ptr<e2e::HostAPI> api_;
-};
+using TestVersionSvcEndToEndTest = wevlin_test::TalkingPageFixture;
 
 constexpr char kTestVersionHost2014_02[] =
     R"({"FQN": "tavo.wevlin.infrastructure.services.version.TestVersionSvc", )"
