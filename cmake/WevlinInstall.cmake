@@ -57,12 +57,18 @@ set(WEVLIN_HAS_CHROMIUM OFF)
 if(TARGET wevlin_chromium)
   set(WEVLIN_HAS_CHROMIUM ON)
   set_target_properties(wevlin_chromium PROPERTIES EXPORT_NAME chromium)
+  # The installed web control finds the installed wevlin beside itself, in
+  # whatever prefix the two were installed.
+  if(APPLE)
+    set_target_properties(wevlin_chromium PROPERTIES INSTALL_RPATH "@loader_path")
+  elseif(UNIX)
+    set_target_properties(wevlin_chromium PROPERTIES INSTALL_RPATH "$ORIGIN")
+  endif()
   install(TARGETS wevlin_chromium
     EXPORT wevlinChromiumTargets
     RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT chromium
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT chromium
-    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT chromium
-    INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT chromium)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/wevlin/webcontrols/chromium/"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/wevlin/webcontrols/chromium"
     COMPONENT chromium

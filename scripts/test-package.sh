@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
 # Checks wevlin as its users receive it:
 #
-#   1. builds the library (Release, no tests) and installs it into a
-#      temporary prefix; checks the installed tree: public headers only, the
-#      versioned shared library and its soname, the CMake package and the
-#      pkg-config file;
+#   1. builds the library and the Chromium web control (Release, no tests)
+#      and installs them into a temporary prefix; checks the installed tree:
+#      public headers only, the versioned shared libraries and their sonames,
+#      the CMake package and the pkg-config files; checks that the install
+#      component "wevlin" leaves the web control out;
 #   2. builds and runs tests/package/find-package against that prefix with
-#      find_package(wevlin CONFIG REQUIRED): every installed header compiled
-#      on its own, and the consumer program linked to the shared library;
+#      find_package(wevlin CONFIG REQUIRED COMPONENTS chromium): every
+#      installed header compiled on its own, and the consumer programs linked
+#      to the shared libraries (with g++ and with clang++);
 #   3. builds and runs the same consumer with nothing but the flags of
 #      `pkg-config --cflags --libs wevlin`;
 #   4. builds and runs tests/package/add-subdirectory, which builds wevlin
@@ -22,7 +24,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/lib/prereqs.sh
 
-ensure_packages "${WEVLIN_BUILD_PACKAGES[@]}" binutils
+ensure_packages "${WEVLIN_BUILD_PACKAGES[@]}" binutils nlohmann-json3-dev
 missing=()
 command -v node >/dev/null 2>&1 || missing+=(nodejs)
 command -v npm >/dev/null 2>&1 || missing+=(npm)
@@ -58,7 +60,7 @@ echo "== wevlin $version"
 echo "== Building and installing into $prefix"
 cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=Release \
   -DWEVLIN_BUILD_TESTS=OFF -DWEVLIN_BUILD_EXAMPLES=OFF -DWEVLIN_BUILD_BENCHMARKS=OFF \
-  -DWEVLIN_INSTALL=ON -DWEVLIN_WARNINGS_AS_ERRORS=ON >/dev/null
+  -DWEVLIN_BUILD_CHROMIUM=ON -DWEVLIN_INSTALL=ON -DWEVLIN_WARNINGS_AS_ERRORS=ON >/dev/null
 cmake --build "$build_dir" --parallel "$jobs"
 cmake --install "$build_dir" --prefix "$prefix" >/dev/null
 
@@ -71,28 +73,48 @@ expect_eq "private header folders installed" "${private:-none}" "none"
 others="$(cd "$prefix/include" && find . -type f ! -name '*.h' -print)"
 expect_eq "installed files that are not headers" "${others:-none}" "none"
 # Every header of the source tree outside internal/ and port/ is installed.
-for header in $(cd "$source_dir" && find wevlin/infrastructure -name '*.h' \
+for header in $(cd "$source_dir" && find wevlin/infrastructure wevlin/webcontrols -name '*.h' \
   ! -path '*/internal/*' ! -path '*/port/*'); do
   [ -f "$prefix/include/$header" ] || fail "$header is not installed"
 done
 echo "ok   every public header is installed"
 
+[ -f "$prefix/include/wevlin/webcontrols/chromium/wevlin_chromium_export.h" ] ||
+  fail "wevlin/webcontrols/chromium/wevlin_chromium_export.h is not installed"
 libdir="$prefix/lib"
-real="$libdir/libwevlin.so.$version"
-[ -f "$real" ] || fail "libwevlin.so.$version is not installed"
-expect_eq "libwevlin.so.$major" "$(readlink "$libdir/libwevlin.so.$major")" "libwevlin.so.$version"
-expect_eq "libwevlin.so" "$(readlink "$libdir/libwevlin.so")" "libwevlin.so.$major"
-soname="$(readelf -d "$real" | sed -n 's/.*Library soname: \[\(.*\)\]/\1/p')"
-expect_eq "soname" "$soname" "libwevlin.so.$major"
-for file in wevlinConfig.cmake wevlinConfigVersion.cmake wevlinTargets.cmake; do
+for name in wevlin wevlin_chromium; do
+  real="$libdir/lib$name.so.$version"
+  [ -f "$real" ] || fail "lib$name.so.$version is not installed"
+  expect_eq "lib$name.so.$major" "$(readlink "$libdir/lib$name.so.$major")" "lib$name.so.$version"
+  expect_eq "lib$name.so" "$(readlink "$libdir/lib$name.so")" "lib$name.so.$major"
+  soname="$(readelf -d "$real" | sed -n 's/.*Library soname: \[\(.*\)\]/\1/p')"
+  expect_eq "soname of lib$name" "$soname" "lib$name.so.$major"
+done
+for file in wevlinConfig.cmake wevlinConfigVersion.cmake wevlinTargets.cmake \
+  wevlinChromiumTargets.cmake; do
   [ -f "$libdir/cmake/wevlin/$file" ] || fail "lib/cmake/wevlin/$file is not installed"
 done
 echo "ok   CMake package files"
 
+echo "== The install component \"wevlin\" alone"
+cmake --install "$build_dir" --prefix "$work/core-only" --component wevlin >/dev/null
+chromium_files="$(cd "$work/core-only" && find . -path '*chromium*' -print)"
+expect_eq "files of the web control installed" "${chromium_files:-none}" "none"
+if cmake -S tests/package/find-package -B "$work/no-chromium" -G Ninja \
+  -DCMAKE_PREFIX_PATH="$work/core-only" -DWEVLIN_TEST_CHROMIUM=ON >"$work/no-chromium.log" 2>&1; then
+  fail "find_package(wevlin COMPONENTS chromium) succeeded without the component"
+fi
+grep -q 'has no component "chromium"' "$work/no-chromium.log" ||
+  fail "the missing component is not named: $(cat "$work/no-chromium.log")"
+echo "ok   find_package(wevlin COMPONENTS chromium) fails without the component"
+
 echo "== pkg-config"
 export PKG_CONFIG_PATH="$libdir/pkgconfig"
 expect_eq "pkg-config --modversion wevlin" "$(pkg-config --modversion wevlin)" "$version"
-expect_eq "pkg-config --cflags --libs wevlin" "$(pkg-config --cflags --libs wevlin)" \
+expect_eq "pkg-config --modversion wevlin-chromium" "$(pkg-config --modversion wevlin-chromium)" \
+  "$version"
+# (pkgconf ends the line with a blank; it is not part of the flags.)
+expect_eq "pkg-config --cflags --libs wevlin" "$(pkg-config --cflags --libs wevlin | sed 's/ *$//')" \
   "-I$prefix/include -L$libdir -lwevlin"
 # shellcheck disable=SC2046 # the flags are meant to be split
 g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror tests/package/consumer/main.cpp \
@@ -102,11 +124,20 @@ LD_LIBRARY_PATH="$libdir" ldd "$work/consumer-pkg-config" | grep -q "libwevlin.s
   fail "the pkg-config consumer does not load the installed library"
 echo "ok   the program loads $libdir/libwevlin.so.$major"
 
-echo "== find_package(wevlin CONFIG REQUIRED)"
+echo "== find_package(wevlin CONFIG REQUIRED COMPONENTS chromium)"
 cmake -S tests/package/find-package -B "$work/find-package" -G Ninja \
-  -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$prefix"
+  -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$prefix" -DWEVLIN_TEST_CHROMIUM=ON
 cmake --build "$work/find-package" --parallel "$jobs"
 ctest --test-dir "$work/find-package" --output-on-failure
+
+if command -v clang++ >/dev/null 2>&1; then
+  echo "== find_package(wevlin CONFIG REQUIRED COMPONENTS chromium) with clang++"
+  cmake -S tests/package/find-package -B "$work/find-package-clang" -G Ninja \
+    -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$prefix" -DWEVLIN_TEST_CHROMIUM=ON \
+    -DCMAKE_CXX_COMPILER=clang++
+  cmake --build "$work/find-package-clang" --parallel "$jobs"
+  ctest --test-dir "$work/find-package-clang" --output-on-failure
+fi
 
 echo "== add_subdirectory(wevlin)"
 cmake -S tests/package/add-subdirectory -B "$work/add-subdirectory" -G Ninja \

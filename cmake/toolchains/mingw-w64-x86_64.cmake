@@ -33,9 +33,15 @@ endif()
 
 # Libraries, headers and packages come from the target's root only, so that
 # nothing built for the build machine (such as its GoogleTest) is picked up.
-# Prefixes the user names (CMAKE_PREFIX_PATH, CMAKE_INSTALL_PREFIX) are
-# searched as they are, so an installed cross-built tree is found too.
+# The prefixes named in CMAKE_PREFIX_PATH (such as an installed cross-built
+# wevlin) hold Windows files too: they become roots as well, so that
+# find_package looks into them where they are.
 set(CMAKE_FIND_ROOT_PATH "/usr/${WEVLIN_MINGW_TRIPLET}")
+foreach(wevlin_prefix IN LISTS CMAKE_PREFIX_PATH)
+  if(IS_ABSOLUTE "${wevlin_prefix}")
+    list(APPEND CMAKE_FIND_ROOT_PATH "${wevlin_prefix}")
+  endif()
+endforeach()
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

@@ -14,6 +14,11 @@
 #include <string>
 #include <vector>
 
+#include "wevlin/infrastructure/interop/HostAPI.h"
+#include "wevlin/infrastructure/interop/HostControlInstance.h"
+#include "wevlin/infrastructure/interop/HostManager.h"
+#include "wevlin/infrastructure/interop/JsonSerializationHelper.h"
+#include "wevlin/infrastructure/interop/TargetConfig.h"
 #include "wevlin/wevlin.h"
 
 namespace {
