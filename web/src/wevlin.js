@@ -289,6 +289,9 @@
   const MAX_JSON_DEPTH = 512;
   const NUMBER_PATTERN = /-?(?:0|[1-9][0-9]*)(?:\.[0-9]+)?(?:[eE][+-]?[0-9]+)?/y;
   const HEX4_PATTERN = /^[0-9A-Fa-f]{4}$/;
+  // Single-letter escapes for control characters, shared by JSON strings and
+  // script string literals.
+  const CONTROL_ESCAPES = Object.freeze({ b: "\b", f: "\f", n: "\n", r: "\r", t: "\t" });
 
   function jsonFailure(reader, what) {
     throw new SyntaxError("Invalid JSON at offset " + reader.pos + ": " + what);
@@ -334,21 +337,6 @@
         case "/":
           out += escape;
           break;
-        case "b":
-          out += "\b";
-          break;
-        case "f":
-          out += "\f";
-          break;
-        case "n":
-          out += "\n";
-          break;
-        case "r":
-          out += "\r";
-          break;
-        case "t":
-          out += "\t";
-          break;
         case "u": {
           const hex = text.slice(pos + 2, pos + 6);
           if (!HEX4_PATTERN.test(hex)) {
@@ -365,6 +353,10 @@
           jsonFailure(reader, "unterminated string");
           break;
         default:
+          if (Object.hasOwn(CONTROL_ESCAPES, escape)) {
+            out += CONTROL_ESCAPES[escape];
+            break;
+          }
           reader.pos = pos;
           jsonFailure(reader, "invalid escape character");
       }
@@ -763,21 +755,6 @@
         case undefined:
           scriptStringFailure("A backslash at the end of a script string escapes its closing quote");
           break;
-        case "b":
-          out += "\b";
-          break;
-        case "f":
-          out += "\f";
-          break;
-        case "n":
-          out += "\n";
-          break;
-        case "r":
-          out += "\r";
-          break;
-        case "t":
-          out += "\t";
-          break;
         case "v":
           out += "\v";
           break;
@@ -812,7 +789,9 @@
           break;
         }
         default:
-          if (escape >= "0" && escape <= "7") {
+          if (Object.hasOwn(CONTROL_ESCAPES, escape)) {
+            out += CONTROL_ESCAPES[escape];
+          } else if (escape >= "0" && escape <= "7") {
             // Legacy octal escapes: up to three digits from 0-3, two from 4-7.
             const maxDigits = escape <= "3" ? 3 : 2;
             let digits = 1;
