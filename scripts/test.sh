@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
-# Runs the whole test suite: installs what is missing, configures a Debug build
-# with g++ (assertions on, warnings as errors), builds, and runs every test with
-# CTest, ending with CTest's summary.
+# Runs the whole test suite: installs what is missing (the C++ build packages,
+# Debian's chromium and nlohmann-json3-dev), configures a Debug build with g++
+# (assertions on, warnings as errors) with the headless-Chromium web control and
+# the examples, builds, and runs every test with CTest: the unit and thread
+# tests, then the end-to-end tests in a real headless browser (label "e2e"),
+# ending with CTest's summary.
 #
 #   scripts/test.sh            # build directory: build/debug
 #   BUILD_DIR=... scripts/test.sh
@@ -9,12 +12,17 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/lib/prereqs.sh
 
-ensure_packages "${WEVLIN_BUILD_PACKAGES[@]}"
+ensure_packages "${WEVLIN_BUILD_PACKAGES[@]}" chromium nlohmann-json3-dev
 
 build_dir="${BUILD_DIR:-build/debug}"
 cmake -S . -B "$build_dir" -G Ninja \
   -DCMAKE_BUILD_TYPE=Debug \
   -DCMAKE_CXX_COMPILER=g++ \
-  -DWEVLIN_WARNINGS_AS_ERRORS=ON
+  -DWEVLIN_WARNINGS_AS_ERRORS=ON \
+  -DWEVLIN_BUILD_CHROMIUM=ON \
+  -DWEVLIN_BUILD_EXAMPLES=ON \
+  -DWEVLIN_BUILD_BENCHMARKS=OFF
 cmake --build "$build_dir"
+# The end-to-end tests hold a lock on the browser, so CTest runs them one at a
+# time while the unit tests run in parallel around them.
 ctest --test-dir "$build_dir" --output-on-failure --parallel "$(nproc)"

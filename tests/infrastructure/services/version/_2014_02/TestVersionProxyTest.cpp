@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/AssertionMessage.h"
 #include "support/ExceptionChecks.h"
 #include "support/MockHostControlInstance.h"
 #include "support/TalkingPageFixture.h"
@@ -77,10 +78,10 @@ TEST(TestVersionProxyDeathTest, AnAnswerOfAnotherVersionFailsTheVersionAssertion
       .WillByDefault(Return(
           R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.TestVersionSvc","ServiceVersion":"_2014_03","Result":true,"Version":"_2014_03"})"));
   EXPECT_CALL(instance, InvokeWebMethod(_, _)).Times(::testing::AnyNumber());
-  EXPECT_DEATH(proxy.GetClientServiceVersion(),
-               "wevlin/infrastructure/services/version/_2014_02/"
-               "TestVersionProxy.*targetDesc->GetSvcVersion\\(\\) == "
-               "returnMessage\\.ServiceVersion");
+  EXPECT_DEATH(
+      proxy.GetClientServiceVersion(),
+      wevlin_test::AssertionMessage("TestVersionProxy.cpp",
+                                    "targetDesc->GetSvcVersion() == returnMessage.ServiceVersion"));
 }
 
 TEST(TestVersionProxyDeathTest, AnAnswerThatIsNotJsonFailsTheNameAssertion) {
@@ -92,8 +93,8 @@ TEST(TestVersionProxyDeathTest, AnAnswerThatIsNotJsonFailsTheNameAssertion) {
   ON_CALL(instance, InvokeWebMethod(_, _)).WillByDefault(Return("no such service"));
   EXPECT_CALL(instance, InvokeWebMethod(_, _)).Times(::testing::AnyNumber());
   EXPECT_DEATH(proxy.GetClientServiceVersion(),
-               "wevlin/infrastructure/services/version/_2014_02/"
-               "TestVersionProxy.*targetDesc->GetFQN\\(\\) == returnMessage\\.ServiceName");
+               wevlin_test::AssertionMessage("TestVersionProxy.cpp",
+                                             "targetDesc->GetFQN() == returnMessage.ServiceName"));
 }
 
 // ---- End to end: the service on a host control instance over a scripted page

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/AssertionMessage.h"
 #include "support/MockHostControlInstance.h"
 #include "support/TalkingPageFixture.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
@@ -94,8 +95,7 @@ TEST(TestVersionSvcDeathTest, AnotherServiceNameFailsTheNameAssertion) {
       service.InvokeMethod(
           nullptr, nullptr,
           R"({"ServiceName": "tavo.wevlin.infrastructure.services.version.TestVersion", "ServiceVersion": "_2014_02"})"),
-      "wevlin/infrastructure/services/version/_2014_02/"
-      "TestVersionSvc.*inputMessage\\.ServiceName == GetFQN\\(\\)");
+      wevlin_test::AssertionMessage("TestVersionSvc.cpp", "inputMessage.ServiceName == GetFQN()"));
 }
 
 TEST(TestVersionSvcDeathTest, ARequestOfVersion2014_03FailsTheVersionAssertion) {
@@ -107,8 +107,8 @@ TEST(TestVersionSvcDeathTest, ARequestOfVersion2014_03FailsTheVersionAssertion) 
       service.InvokeMethod(
           nullptr, nullptr,
           R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.TestVersionSvc","ServiceVersion":"_2014_03","ExtraInfo":"Extra Info","Version":"_2014_03"})"),
-      "wevlin/infrastructure/services/version/_2014_02/"
-      "TestVersionSvc.*inputMessage\\.ServiceVersion == GetSvcVersion\\(\\)");
+      wevlin_test::AssertionMessage("TestVersionSvc.cpp",
+                                    "inputMessage.ServiceVersion == GetSvcVersion()"));
 }
 
 TEST(TestVersionSvcDeathTest, AnEmptyRequestFailsTheNameAssertion) {
@@ -116,8 +116,9 @@ TEST(TestVersionSvcDeathTest, AnEmptyRequestFailsTheNameAssertion) {
   GTEST_SKIP() << "assertions are compiled out";
 #endif
   TestVersionSvc service(nullptr);
-  EXPECT_DEATH(service.InvokeMethod(nullptr, nullptr, "{}"),
-               "inputMessage\\.ServiceName == GetFQN\\(\\)");
+  EXPECT_DEATH(
+      service.InvokeMethod(nullptr, nullptr, "{}"),
+      wevlin_test::AssertionMessage("TestVersionSvc.cpp", "inputMessage.ServiceName == GetFQN()"));
 }
 
 // ---- End to end: the service on a host control instance over a scripted page

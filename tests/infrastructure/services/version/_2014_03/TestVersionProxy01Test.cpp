@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/AssertionMessage.h"
 #include "support/MockHostControlInstance.h"
 #include "support/TalkingPageFixture.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
@@ -66,9 +67,9 @@ TEST(TestVersionProxy01DeathTest, AnAnswerWithResultFalseFailsTheThirdAssertion)
       .WillByDefault(Return(
           R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.TestVersionSvc","ServiceVersion":"_2014_03","Result":false})"));
   EXPECT_CALL(instance, InvokeWebMethod(_, _)).Times(::testing::AnyNumber());
-  EXPECT_DEATH(proxy.GetClientServiceVersion(),
-               "wevlin/infrastructure/services/version/_2014_03/"
-               "TestVersionProxy01.*returnMessage\\.Result == true");
+  EXPECT_DEATH(
+      proxy.GetClientServiceVersion(),
+      wevlin_test::AssertionMessage("TestVersionProxy01.cpp", "returnMessage.Result == true"));
 }
 
 TEST(TestVersionProxy01DeathTest, AnAnswerWithoutResultFailsTheThirdAssertion) {
@@ -82,7 +83,9 @@ TEST(TestVersionProxy01DeathTest, AnAnswerWithoutResultFailsTheThirdAssertion) {
       .WillByDefault(Return(
           R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.TestVersionSvc","ServiceVersion":"_2014_03","Version":"_2014_02"})"));
   EXPECT_CALL(instance, InvokeWebMethod(_, _)).Times(::testing::AnyNumber());
-  EXPECT_DEATH(proxy.GetClientServiceVersion(), "returnMessage\\.Result == true");
+  EXPECT_DEATH(
+      proxy.GetClientServiceVersion(),
+      wevlin_test::AssertionMessage("TestVersionProxy01.cpp", "returnMessage.Result == true"));
 }
 
 TEST(TestVersionProxy01DeathTest, AnAnswerOfVersion2014_02FailsTheVersionAssertion) {
@@ -95,10 +98,10 @@ TEST(TestVersionProxy01DeathTest, AnAnswerOfVersion2014_02FailsTheVersionAsserti
       .WillByDefault(Return(
           R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.TestVersionSvc","ServiceVersion":"_2014_02","Version":"_2014_02"})"));
   EXPECT_CALL(instance, InvokeWebMethod(_, _)).Times(::testing::AnyNumber());
-  EXPECT_DEATH(proxy.GetClientServiceVersion(),
-               "wevlin/infrastructure/services/version/_2014_03/"
-               "TestVersionProxy01.*targetDesc->GetSvcVersion\\(\\) == "
-               "returnMessage\\.ServiceVersion");
+  EXPECT_DEATH(
+      proxy.GetClientServiceVersion(),
+      wevlin_test::AssertionMessage("TestVersionProxy01.cpp",
+                                    "targetDesc->GetSvcVersion() == returnMessage.ServiceVersion"));
 }
 
 // ---- End to end: the service on a host control instance over a scripted page

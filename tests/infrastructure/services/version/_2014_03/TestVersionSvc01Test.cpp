@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/AssertionMessage.h"
 #include "support/TalkingPageFixture.h"
 #include "wevlin/infrastructure/services/version/_2014_02/TestVersionSvc.h"
 #include "wevlin/infrastructure/services/version/_2014_03/IHandleTestVersionSvc.h"
@@ -70,8 +71,8 @@ TEST(TestVersionSvc01DeathTest, ExtraInfoInOtherCaseFailsTheThirdAssertion) {
 #endif
   TestVersionSvc01 service(nullptr);
   EXPECT_DEATH(service.InvokeMethod(nullptr, nullptr, RequestWithExtraInfo("Extra info")),
-               "wevlin/infrastructure/services/version/_2014_03/"
-               "TestVersionSvc01.*inputMessage\\.ExtraInfo == \"Extra Info\"");
+               wevlin_test::AssertionMessage("TestVersionSvc01.cpp",
+                                             "inputMessage.ExtraInfo == \"Extra Info\""));
 }
 
 TEST(TestVersionSvc01DeathTest, ExtraInfoWithATrailingBlankFailsTheThirdAssertion) {
@@ -80,8 +81,8 @@ TEST(TestVersionSvc01DeathTest, ExtraInfoWithATrailingBlankFailsTheThirdAssertio
 #endif
   TestVersionSvc01 service(nullptr);
   EXPECT_DEATH(service.InvokeMethod(nullptr, nullptr, RequestWithExtraInfo("Extra Info ")),
-               "wevlin/infrastructure/services/version/_2014_03/"
-               "TestVersionSvc01.*inputMessage\\.ExtraInfo == \"Extra Info\"");
+               wevlin_test::AssertionMessage("TestVersionSvc01.cpp",
+                                             "inputMessage.ExtraInfo == \"Extra Info\""));
 }
 
 TEST(TestVersionSvc01DeathTest, ARequestOfVersion2014_02FailsTheVersionAssertion) {
@@ -93,8 +94,8 @@ TEST(TestVersionSvc01DeathTest, ARequestOfVersion2014_02FailsTheVersionAssertion
       service.InvokeMethod(
           nullptr, nullptr,
           R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.TestVersionSvc","ServiceVersion":"_2014_02","Version":"_2014_02"})"),
-      "wevlin/infrastructure/services/version/_2014_03/"
-      "TestVersionSvc01.*inputMessage\\.ServiceVersion == GetSvcVersion\\(\\)");
+      wevlin_test::AssertionMessage("TestVersionSvc01.cpp",
+                                    "inputMessage.ServiceVersion == GetSvcVersion()"));
 }
 
 TEST(TestVersionSvc01DeathTest, AnotherServiceNameFailsTheNameAssertion) {
@@ -106,8 +107,8 @@ TEST(TestVersionSvc01DeathTest, AnotherServiceNameFailsTheNameAssertion) {
       service.InvokeMethod(
           nullptr, nullptr,
           R"({"ServiceName":"tavo.wevlin.infrastructure.services.version.testversionsvc","ServiceVersion":"_2014_03","ExtraInfo":"Extra Info"})"),
-      "wevlin/infrastructure/services/version/_2014_03/"
-      "TestVersionSvc01.*inputMessage\\.ServiceName == GetFQN\\(\\)");
+      wevlin_test::AssertionMessage("TestVersionSvc01.cpp",
+                                    "inputMessage.ServiceName == GetFQN()"));
 }
 
 // ---- End to end: the service on a host control instance over a scripted page
