@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "wevlin/infrastructure/interop/IWebControl.h"
+#include "wevlin/infrastructure/interop/ScriptQuoting.h"
 
 namespace wevlin_test {
 
@@ -16,8 +17,11 @@ namespace wevlin_test {
 // the host runs and answers the five page functions as a page would.
 //
 // Each script line is parsed as name('arg',...); with the host's quoting
-// undone exactly (a backslash before a single quote is dropped; nothing else
-// is unescaped), so the handlers see the host's original texts. Answers:
+// undone exactly, so the handlers see the host's original texts: with Quoting
+// left at ScriptQuoting::Compatible a backslash before a single quote is
+// dropped and nothing else is unescaped; with ScriptQuoting::Strict the
+// escapes of the strict mode (\\ \' \" \n \r \uXXXX) are decoded, any other
+// escape or a raw line break makes the line unparsable. Answers:
 //   tavoInterop_Ping(version)                 -> PageVersion (default "1.0")
 //   tavoInterop_HostServiceListUpdate(a, l)   -> "" (recorded in HostLists)
 //   tavoInterop_RequestWebServiceList()       -> WebServiceList (default "")
@@ -78,6 +82,14 @@ class ScriptedPage : public Com::Velmora::TAVO::Wevlin::Infrastructure::Interop:
 
   // Parses one script line; returns nothing when it is not name('a',...);
   static std::optional<Call> Parse(const std::string& script);
+  // Parses one script line whose arguments are quoted as `quoting` says.
+  static std::optional<Call> Parse(
+      const std::string& script,
+      Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ScriptQuoting quoting);
+
+  // How the host quotes the arguments that this page parses.
+  Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ScriptQuoting Quoting =
+      Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::ScriptQuoting::Compatible;
 
   std::string PageVersion = "1.0";
   std::string WebServiceList;

@@ -1,21 +1,46 @@
 #include "support/ProcessScan.h"
 
+#include <errno.h>
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 namespace wevlin_e2e {
 
 namespace {
 
+// Returns the contents of the /proc file `path`, or "" when it cannot be read.
+// A process may end while its files are being read; read() then fails (with
+// ESRCH), which std::ifstream would turn into an exception from inside its
+// buffer, so the file is read with the system's calls.
+std::string ReadProcFile(const std::string& path) {
+  std::string text;
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return text;
+  char buffer[4096];
+  for (;;) {
+    const ssize_t count = ::read(fd, buffer, sizeof buffer);
+    if (count > 0) {
+      text.append(buffer, static_cast<std::size_t>(count));
+    } else if (count < 0 && errno == EINTR) {
+      continue;
+    } else {
+      if (count < 0) text.clear();
+      break;
+    }
+  }
+  ::close(fd);
+  return text;
+}
+
 // Reads the state letter and process group of /proc/<pid>/stat; false when
 // the process is gone.
 bool ReadStat(const std::string& pid, char* state, long* group) {
-  std::ifstream file("/proc/" + pid + "/stat");
-  std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  const std::string text = ReadProcFile("/proc/" + pid + "/stat");
   // The command name is in parentheses and may hold blanks; the fields
   // after its closing parenthesis are state, parent id, group id, ...
   const std::size_t close = text.rfind(')');
@@ -27,8 +52,7 @@ bool ReadStat(const std::string& pid, char* state, long* group) {
 }
 
 std::string ReadCommandLine(const std::string& pid) {
-  std::ifstream file("/proc/" + pid + "/cmdline", std::ios::binary);
-  std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  std::string text = ReadProcFile("/proc/" + pid + "/cmdline");
   std::replace(text.begin(), text.end(), '\0', ' ');
   return text;
 }

@@ -31,16 +31,70 @@ constexpr char kStartupNotificationFqn[] =
     "tavo.wevlin.infrastructure.services.startup.StartupNotification.host";
 constexpr char kStartupNotificationVersion[] = "_2014_02";
 
-// Quotes `argument` for a single-quoted script string: a backslash before
-// every single quote and nothing else, which is exactly what the page's
-// functions undo.
-void AppendQuoted(std::string& script, const std::string& argument) {
+// Quotes `argument` for a single-quoted script string the compatible way: a
+// backslash before every single quote and nothing else, which is exactly what
+// the pages of this protocol expect (see ScriptQuoting::Compatible).
+void AppendCompatiblyQuoted(std::string& script, const std::string& argument) {
   script += '\'';
   for (char c : argument) {
     if (c == '\'') script += '\\';
     script += c;
   }
   script += '\'';
+}
+
+// Quotes `argument` for a single-quoted script string so that the script
+// engine reads back exactly its characters (see ScriptQuoting::Strict).
+void AppendStrictlyQuoted(std::string& script, const std::string& argument) {
+  static const char kHexDigits[] = "0123456789abcdef";
+  script += '\'';
+  const std::size_t size = argument.size();
+  for (std::size_t i = 0; i < size; ++i) {
+    const auto byte = static_cast<unsigned char>(argument[i]);
+    switch (byte) {
+      case '\\':
+        script += "\\\\";
+        continue;
+      case '\'':
+        script += "\\'";
+        continue;
+      case '"':
+        script += "\\\"";
+        continue;
+      case '\n':
+        script += "\\n";
+        continue;
+      case '\r':
+        script += "\\r";
+        continue;
+      default:
+        break;
+    }
+    if (byte < 0x20 || byte == 0x7F) {
+      script += "\\u00";
+      script += kHexDigits[byte >> 4];
+      script += kHexDigits[byte & 0x0F];
+      continue;
+    }
+    // U+2028 and U+2029 end a line in older script engines, so they are
+    // escaped too: E2 80 A8 and E2 80 A9 in UTF-8.
+    if (byte == 0xE2 && i + 2 < size && argument[i + 1] == '\x80' &&
+        (argument[i + 2] == '\xA8' || argument[i + 2] == '\xA9')) {
+      script += argument[i + 2] == '\xA8' ? "\\u2028" : "\\u2029";
+      i += 2;
+      continue;
+    }
+    script += argument[i];
+  }
+  script += '\'';
+}
+
+void AppendQuoted(std::string& script, const std::string& argument, ScriptQuoting quoting) {
+  if (quoting == ScriptQuoting::Strict) {
+    AppendStrictlyQuoted(script, argument);
+  } else {
+    AppendCompatiblyQuoted(script, argument);
+  }
 }
 
 }  // namespace
@@ -204,6 +258,10 @@ void HostControlInstance::SetTimeOutInterval(unsigned int intervalMs) {
   timeOutInterval = intervalMs;
 }
 
+void HostControlInstance::SetScriptQuoting(ScriptQuoting quoting) { scriptQuoting_.store(quoting); }
+
+ScriptQuoting HostControlInstance::GetScriptQuoting() const { return scriptQuoting_.load(); }
+
 void HostControlInstance::OnLoadCompleted() {
   HostContentState state = NoContent;
   {
@@ -215,12 +273,20 @@ void HostControlInstance::OnLoadCompleted() {
     state = GetContentState();
     if (state == Navigating) SetContentState(Waiting);
   }
-  if (state == Navigating) {
-    PingWebSide();
-  } else if (state == Initializing) {
-    DoHandShake();
-  } else {
-    PingWebSide();
+  // The web control calls this from its own event dispatch, which has nobody
+  // to pass a failure on to and may end the process on an exception. So a
+  // standard exception of the handshake (a page's service list that is not
+  // JSON, say) ends here, in the log; the state stays as the handshake left it.
+  try {
+    if (state == Navigating) {
+      PingWebSide();
+    } else if (state == Initializing) {
+      DoHandShake();
+    } else {
+      PingWebSide();
+    }
+  } catch (const std::exception& e) {
+    WriteLogLine(std::string("HostControlInstance::OnLoadCompleted - ") + e.what());
   }
 }
 
@@ -329,7 +395,7 @@ std::string HostControlInstance::InvokeScriptFunction(std::string name, std::str
   script.reserve(name.size() + arg.size() + 8);
   script += name;
   script += '(';
-  AppendQuoted(script, arg);
+  AppendQuoted(script, arg, scriptQuoting_.load());
   script += ");";
   return webControl->ExecuteScript(std::move(script));
 }
@@ -340,9 +406,10 @@ std::string HostControlInstance::InvokeScriptFunction(std::string name, std::str
   script.reserve(name.size() + arg1.size() + arg2.size() + 16);
   script += name;
   script += '(';
-  AppendQuoted(script, arg1);
+  const ScriptQuoting quoting = scriptQuoting_.load();
+  AppendQuoted(script, arg1, quoting);
   script += ',';
-  AppendQuoted(script, arg2);
+  AppendQuoted(script, arg2, quoting);
   script += ");";
   return webControl->ExecuteScript(std::move(script));
 }

@@ -1,6 +1,7 @@
 #ifndef WEVLIN_INFRASTRUCTURE_INTEROP_HOSTCONTROLINSTANCE_H_
 #define WEVLIN_INFRASTRUCTURE_INTEROP_HOSTCONTROLINSTANCE_H_
 
+#include <atomic>
 #include <mutex>
 #include <string>
 
@@ -12,6 +13,7 @@
 #include "wevlin/infrastructure/interop/IHostControlInstance.h"
 #include "wevlin/infrastructure/interop/IHostManager.h"
 #include "wevlin/infrastructure/interop/IWebControl.h"
+#include "wevlin/infrastructure/interop/ScriptQuoting.h"
 #include "wevlin/infrastructure/interop/TargetConfig.h"
 #include "wevlin/infrastructure/interop/Timer.h"
 #include "wevlin/wevlin_export.h"
@@ -36,6 +38,12 @@ namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 // LoadedNoTalk. No handshake before the time-out (150000 ms by default,
 // checked every 150 s) gives TimedOut. LoggedIn is set from outside, by the
 // startup-notification host service.
+//
+// Script lines: every call into the page is one line of script such as
+// tavoInterop_WebMethod('descriptor JSON','payload'); whose arguments are
+// single-quoted as SetScriptQuoting says: ScriptQuoting::Compatible (the
+// default) escapes single quotes only, ScriptQuoting::Strict makes the page
+// receive exactly the host's text (docs/script-quoting.md).
 //
 // Ownership: the instance does not own the web control, which must outlive
 // it. It owns the descriptors of the page's services (knownWebSideServices)
@@ -163,7 +171,10 @@ class WEVLIN_EXPORT HostControlInstance : public IHostControlInstance,
   // Writes "service list changed": the host manager's list changed.
   void OnListChanged(const Base::ListChangeEvent<IHostServiceDescriptor*>& event) override;
   // Reports a finished page load: Navigating -> Waiting and a ping;
-  // Initializing -> the handshake; any other state -> a ping.
+  // Initializing -> the handshake; any other state -> a ping. Lets no
+  // standard exception out to the web control: one thrown on the way (by
+  // reading a page's service list that is not JSON, say) is written to the
+  // log as "HostControlInstance::OnLoadCompleted - " followed by its text.
   void OnLoadCompleted() override;
   // Runs on the timer thread: writes "HostControlInstance::OnTimerElapsed",
   // moves Navigating or Waiting to TimedOut, and deletes the timer.
@@ -177,6 +188,14 @@ class WEVLIN_EXPORT HostControlInstance : public IHostControlInstance,
   void SetTimeOutInterval(unsigned int intervalMs);
   // Stores `version` and raises "WebSideVersion" when it differs.
   void SetWebSideVersion(std::string version);
+  // Sets how the arguments of every later call into the page (ping, service
+  // lists, methods and events) are quoted in the script line; see
+  // ScriptQuoting. The default is ScriptQuoting::Compatible. Safe on any
+  // thread; a call that is already writing its script line keeps the mode it
+  // started with.
+  void SetScriptQuoting(ScriptQuoting quoting);
+  // Returns the quoting of script arguments. Safe on any thread.
+  ScriptQuoting GetScriptQuoting() const;
 
  private:
   void DoStartLaunch(std::string target);
@@ -210,6 +229,9 @@ class WEVLIN_EXPORT HostControlInstance : public IHostControlInstance,
   bool activeContent;
   Timer* timer;
   unsigned int timeOutInterval;
+  // Read by whichever thread calls into the page (asynchronous replies may
+  // come from any thread), so atomic.
+  std::atomic<ScriptQuoting> scriptQuoting_{ScriptQuoting::Compatible};
 
   // Guards contentState and timer, which the timer thread touches too.
   mutable std::mutex stateMutex_;

@@ -43,8 +43,12 @@ namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium {
 // them; load observers and the HostAPI are called there and nowhere else.
 // ExecuteScript waits for its answer without delivering anything: events
 // that arrive meanwhile are delivered by a later PumpEvents, never
-// re-entrantly. Create, use and destroy the control on that one thread, and
-// do not destroy it from inside a delivery (a load observer or a host call).
+// re-entrantly. Create, navigate, pump and destroy the control on that one
+// thread, and do not destroy it from inside a delivery (a load observer or a
+// host call). ExecuteScript alone may also be called from other threads while
+// the control lives: the reply callbacks of the asynchronous services call
+// into the page from whichever thread answers, and the protocol connection
+// serialises the commands and routes each answer to its caller.
 //
 // Texts: the browser works with UTF-8. Bytes of a script or URL that are not
 // valid UTF-8 are sent as U+FFFD (one per maximal ill-formed sequence, as a

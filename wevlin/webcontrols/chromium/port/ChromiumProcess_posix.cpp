@@ -15,8 +15,6 @@
 #include <cctype>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 #include <thread>
 
@@ -77,6 +75,30 @@ int MoveAbovePipeDescriptors(int fd) {
   return moved;
 }
 
+// Returns the contents of the /proc file `path`, or "" when it cannot be read.
+// A process may end while its files are being read; read() then fails (with
+// ESRCH), which std::ifstream would turn into an exception from inside its
+// buffer, so the file is read with the system's calls.
+std::string ReadProcFile(const std::string& path) {
+  std::string text;
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return text;
+  char buffer[4096];
+  for (;;) {
+    const ssize_t count = ::read(fd, buffer, sizeof buffer);
+    if (count > 0) {
+      text.append(buffer, static_cast<std::size_t>(count));
+    } else if (count < 0 && errno == EINTR) {
+      continue;
+    } else {
+      if (count < 0) text.clear();
+      break;
+    }
+  }
+  ::close(fd);
+  return text;
+}
+
 // Returns the ids of the processes that still run (zombies have ended) and
 // are in the process group `group` or name `text` on their command line,
 // read from /proc where the system has one (else none are found).
@@ -90,9 +112,7 @@ std::vector<pid_t> LeftoverProcesses(pid_t group, const std::string& text) {
       continue;
     }
     // The fields after the command name in parentheses: state, parent, group.
-    std::ifstream stat("/proc/" + name + "/stat");
-    const std::string status((std::istreambuf_iterator<char>(stat)),
-                             std::istreambuf_iterator<char>());
+    const std::string status = ReadProcFile("/proc/" + name + "/stat");
     const std::size_t close = status.rfind(')');
     if (close == std::string::npos) continue;
     char state = 0;
@@ -105,9 +125,7 @@ std::vector<pid_t> LeftoverProcesses(pid_t group, const std::string& text) {
     }
     bool ours = processGroup == group;
     if (!ours) {
-      std::ifstream file("/proc/" + name + "/cmdline", std::ios::binary);
-      const std::string commandLine((std::istreambuf_iterator<char>(file)),
-                                    std::istreambuf_iterator<char>());
+      const std::string commandLine = ReadProcFile("/proc/" + name + "/cmdline");
       ours = commandLine.find(text) != std::string::npos;
     }
     if (ours) found.push_back(static_cast<pid_t>(std::stol(name)));
