@@ -14,7 +14,11 @@
 #      the import library and uses only the installed headers, and runs it
 #      under Wine too.
 #
-#   scripts/test-windows.sh
+#   scripts/test-windows.sh            # everything above
+#   scripts/test-windows.sh --quick    # CI's run: steps 2 and 3 for the DLL,
+#                                      # the examples and the test programs of
+#                                      # the platform layer, the timer and the
+#                                      # assertion messages only
 #   BUILD_DIR=... JOBS=... WINEPREFIX=... scripts/test-windows.sh
 #
 # The Wine prefix defaults to <build>/wineprefix, so that the run touches
@@ -22,6 +26,26 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/lib/prereqs.sh
+
+quick=0
+case "${1:-}" in
+  --quick) quick=1 ;;
+  "") ;;
+  *)
+    echo "usage: scripts/test-windows.sh [--quick]" >&2
+    exit 2
+    ;;
+esac
+# The test programs of the quick run: the Windows platform file (timer queue,
+# clock, case-insensitive comparison), the timer on top of it, and the death
+# tests that read the Windows runtime's assertion messages.
+quick_tests=(
+  t_infrastructure_interop_port_PortTest
+  t_infrastructure_interop_TimerTest
+  t_infrastructure_interop_TimerThreadTest
+  t_infrastructure_services_version__2014_02_TestVersionSvcTest
+  t_infrastructure_services_version__2014_03_TestVersionProxy01Test
+)
 
 ensure_packages cmake ninja-build g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix \
   mingw-w64-x86-64-dev binutils-mingw-w64-x86-64 wine wine64 googletest
@@ -68,7 +92,12 @@ echo "== Configuring ($build_dir)"
 cmake --preset windows-mingw -B "$build_dir"
 
 echo "== Building"
-cmake --build "$build_dir" --parallel "$jobs"
+if [ "$quick" -eq 1 ]; then
+  cmake --build "$build_dir" --parallel "$jobs" --target wevlin wevlin_core json_example \
+    "${quick_tests[@]}"
+else
+  cmake --build "$build_dir" --parallel "$jobs"
+fi
 
 echo "== Cross-built files"
 dll="$build_dir/bin/libwevlin.dll"
@@ -112,10 +141,28 @@ echo "ok   every symbol outside the internal namespaces is exported"
 echo "== Running the example under Wine"
 "$wine" "$build_dir/bin/json_example.exe" | tail -n 1
 
-echo "== Running every unit test under Wine"
 start=$(date +%s)
 status=0
-ctest --test-dir "$build_dir" --output-on-failure --parallel "$jobs" || status=$?
+if [ "$quick" -eq 1 ]; then
+  echo "== Running the platform, timer and assertion tests under Wine"
+  for program in "${quick_tests[@]}"; do
+    if "$wine" "$build_dir/bin/$program.exe" --gtest_brief=1 >"$build_dir/$program.log" 2>&1; then
+      echo "ok   $program: $(grep -o '[0-9]* tests\{0,1\} from [0-9]* test suites\{0,1\} ran' "$build_dir/$program.log")"
+    else
+      echo "FAIL $program" >&2
+      cat "$build_dir/$program.log" >&2
+      status=1
+    fi
+  done
+else
+  echo "== Running every unit test under Wine"
+  # On a loaded machine Wine now and then fails to start a program at all
+  # (the test then "fails" in a few milliseconds with no output), so a failed
+  # test is run again, up to twice; every test still has to pass once, and
+  # the native runs repeat nothing.
+  ctest --test-dir "$build_dir" --output-on-failure --parallel "$jobs" --repeat until-pass:3 ||
+    status=$?
+fi
 end=$(date +%s)
 echo "== Wine test run: $((end - start)) s"
 
