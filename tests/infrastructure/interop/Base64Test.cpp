@@ -124,6 +124,34 @@ TEST(Base64Test, RandomBytesRoundTripAtEveryLengthUpTo300) {
   }
 }
 
+// Encodes bit by bit, six bits to a character, as RFC 4648 describes it.
+std::string PlainEncode(const std::string& in) {
+  static const char kAlphabet[] =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string out;
+  const std::size_t bits = in.size() * 8;
+  for (std::size_t bit = 0; bit < bits; bit += 6) {
+    int value = 0;
+    for (std::size_t i = bit; i < bit + 6; ++i) {
+      const int set = i < bits ? (static_cast<unsigned char>(in[i / 8]) >> (7 - i % 8)) & 1 : 0;
+      value = value * 2 + set;
+    }
+    out += kAlphabet[value];
+  }
+  while (out.size() % 4 != 0) out += '=';
+  return out;
+}
+
+TEST(Base64Test, EncodesLikeAPlainEncoderAtEveryLengthUpTo300) {
+  std::mt19937 random(20140702);
+  std::uniform_int_distribution<int> byte(0, 255);
+  std::string bytes;
+  for (std::size_t length = 0; length <= 300; ++length) {
+    ASSERT_EQ(Encode(bytes), PlainEncode(bytes)) << "length " << length;
+    bytes.push_back(static_cast<char>(byte(random)));
+  }
+}
+
 TEST(Base64Test, LongInputIsNeverWrapped) {
   const std::string bytes(3000, 'x');
   const std::string encoded = Encode(bytes);

@@ -5,6 +5,7 @@
 
 #include "wevlin/infrastructure/interop/DataServiceDescriptor.h"
 #include "wevlin/infrastructure/interop/TargetConfig.h"
+#include "wevlin/infrastructure/interop/internal/IndexedServiceList.h"
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
@@ -15,7 +16,8 @@ HostManager* HostManager::TheInstance() {
   return m_instance;
 }
 
-HostManager::HostManager() : knownServices_(new Base::ObservableList<IHostServiceDescriptor*>()) {}
+// The list is an IndexedServiceList, so that lookups need not walk it.
+HostManager::HostManager() : knownServices_(new internal::IndexedServiceList()) {}
 
 HostManager::HostManager(const HostManager& other) = default;
 
@@ -47,12 +49,9 @@ IHostServiceDescriptor* HostManager::LookupService(DataServiceDescriptor* servic
 }
 
 IHostServiceDescriptor* HostManager::DoLookupService(std::string fqn, std::string version) {
-  const int size = knownServices_->GetSize();
-  for (int i = 0; i < size; ++i) {
-    IHostServiceDescriptor* entry = knownServices_->GetAt(i);
-    if (entry->GetFQN() == fqn && entry->GetSvcVersion() == version) return entry;
-  }
-  return nullptr;
+  // The first entry, in list order, with both texts equal; the list keeps an
+  // index for this (every constructor creates an IndexedServiceList).
+  return static_cast<internal::IndexedServiceList*>(knownServices_)->Find(fqn, version);
 }
 
 void HostManager::RegisterService(IHostServiceDescriptor* service) {

@@ -46,7 +46,10 @@ class WEVLIN_EXPORT HostManager : public IHostManager {
   // Returns true when LookupService(service) is not null.
   bool IsServiceSupported(ITargetServiceDesc* service) override;
   // Returns the first registered service whose FQN and version equal those of
-  // `service` exactly (case-sensitive), or null. Null yields null.
+  // `service` exactly (case-sensitive), or null. Null yields null. The list is
+  // indexed, so the cost does not grow with the number of services; a
+  // registered service's GetFQN and GetSvcVersion must therefore keep
+  // answering the same texts while it is registered.
   IHostServiceDescriptor* LookupService(ITargetServiceDesc* service) override;
   // Same, with the FQN and SvcVersion fields of a wire descriptor.
   IHostServiceDescriptor* LookupService(DataServiceDescriptor* service) override;

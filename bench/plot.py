@@ -1,0 +1,548 @@
+#!/usr/bin/env python3
+"""Turns the JSON output of the benchmark programs into tables and a chart.
+
+Reads one or more files written with --benchmark_out_format=json (or
+--benchmark_format=json) by wevlin_bench and wevlin_bench_browser, and
+
+  --markdown FILE   replaces the text between the lines
+                    "<!-- results:begin -->" and "<!-- results:end -->" of
+                    FILE with the result tables (or writes the tables to
+                    standard output when FILE is "-");
+  --chart FILE      draws the chart (PNG) with matplotlib;
+  --check           exits with status 1 when a benchmark reported an error,
+                    other than a corpus document that is missing.
+
+With repetitions, every figure is the median over the repetitions. Rates of
+the native benchmarks come from CPU time, those of the browser from wall-clock
+(or the page's own) time.
+"""
+
+import argparse
+import json
+import statistics
+import sys
+from collections import defaultdict
+
+CORPUS = ["twitter", "citm_catalog", "canada", "github_events"]
+GENERATED = [
+    "flat_10k",
+    "flat_1m",
+    "objects_10k",
+    "objects_1m",
+    "escaped_10k",
+    "escaped_1m",
+    "nested_100",
+    "nested_1000",
+]
+LIBRARIES = ["wevlin", "nlohmann", "rapidjson"]
+BEGIN = "<!-- results:begin -->"
+END = "<!-- results:end -->"
+
+
+def base_name(run_name):
+    for suffix in ("/manual_time", "/real_time"):
+        if run_name.endswith(suffix):
+            return run_name[: -len(suffix)]
+    return run_name
+
+
+class Results:
+    """The repetitions of every benchmark, by name."""
+
+    def __init__(self, paths):
+        self.runs = defaultdict(list)
+        self.errors = {}
+        self.contexts = []
+        for path in paths:
+            with open(path, encoding="utf-8") as stream:
+                data = json.load(stream)
+            self.contexts.append(data.get("context", {}))
+            for run in data.get("benchmarks", []):
+                name = base_name(run.get("run_name", run["name"]))
+                if run.get("error_occurred"):
+                    self.errors[name] = run.get("error_message", "")
+                    continue
+                if run.get("run_type", "iteration") != "iteration":
+                    continue
+                self.runs[name].append(run)
+
+    def has(self, name):
+        return name in self.runs
+
+    def median(self, name, field):
+        values = [run[field] for run in self.runs.get(name, []) if field in run]
+        return statistics.median(values) if values else None
+
+    def seconds(self, name, field="cpu_time"):
+        """Median time per iteration in seconds."""
+        runs = self.runs.get(name, [])
+        if not runs:
+            return None
+        scale = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}[runs[0]["time_unit"]]
+        return statistics.median(run[field] for run in runs) * scale
+
+
+def fmt(value, digits=1):
+    if value is None:
+        return "-"
+    return f"{value:,.{digits}f}"
+
+
+def ratio(a, b):
+    if a is None or b is None or b == 0:
+        return None
+    return a / b
+
+
+def mb(value):
+    return None if value is None else value / 1e6
+
+
+def json_tables(results, direction):
+    rows = [
+        f"| Document | Bytes | wevlin MB/s | nlohmann MB/s | RapidJSON MB/s | "
+        f"wevlin / nlohmann | wevlin / RapidJSON |",
+        "|---|---:|---:|---:|---:|---:|---:|",
+    ]
+    for document in CORPUS + GENERATED:
+        rates = {
+            library: mb(results.median(f"Json/{direction}/{document}/{library}", "bytes_per_second"))
+            for library in LIBRARIES
+        }
+        size = results.median(f"Json/{direction}/{document}/wevlin", "doc_bytes")
+        if all(rate is None for rate in rates.values()):
+            error = results.errors.get(f"Json/{direction}/{document}/wevlin")
+            if error:
+                rows.append(f"| {document} | - | skipped: {error} | | | | |")
+            continue
+        rows.append(
+            f"| {document} | {fmt(size, 0)} | {fmt(rates['wevlin'])} | {fmt(rates['nlohmann'])} | "
+            f"{fmt(rates['rapidjson'])} | {fmt(ratio(rates['wevlin'], rates['nlohmann']), 2)} | "
+            f"{fmt(ratio(rates['wevlin'], rates['rapidjson']), 2)} |"
+        )
+    return rows
+
+
+def per_byte_ns(results, direction, document, library="wevlin"):
+    rate = results.median(f"Json/{direction}/{document}/{library}", "bytes_per_second")
+    return None if not rate else 1e9 / rate
+
+
+def linearity_table(results):
+    rows = [
+        "| Comparison | Direction | wevlin | nlohmann | RapidJSON | goal for wevlin |",
+        "|---|---|---:|---:|---:|---|",
+    ]
+    pairs = [
+        ("flat: 1 MB vs 10 kB", "flat_1m", "flat_10k", "<= 1.20"),
+        ("objects: 1 MB vs 10 kB", "objects_1m", "objects_10k", "<= 1.20"),
+        ("escaped strings: 1 MB vs 10 kB", "escaped_1m", "escaped_10k", "<= 1.20"),
+        ("depth 1000 vs flat 10 kB", "nested_1000", "flat_10k", "<= 2.00"),
+        ("depth 1000 vs depth 100", "nested_1000", "nested_100", "<= 1.20"),
+    ]
+    for label, big, small, goal in pairs:
+        for direction in ("Read", "Write"):
+            cells = []
+            for library in LIBRARIES:
+                cells.append(
+                    fmt(
+                        ratio(
+                            per_byte_ns(results, direction, big, library),
+                            per_byte_ns(results, direction, small, library),
+                        ),
+                        2,
+                    )
+                )
+            rows.append(f"| {label} | {direction} | {' | '.join(cells)} | {goal} |")
+    return rows
+
+
+def contract_table(results):
+    rows = [
+        "| Message | Operation | wevlin MB/s | wevlin records/s | nlohmann MB/s | "
+        "nlohmann records/s | wevlin / nlohmann |",
+        "|---|---|---:|---:|---:|---:|---:|",
+    ]
+    for message, label in (
+        ("refresh_10000", "RefreshMsg, 10,000 object references"),
+        ("session_1000", "SessionMsg, 1,000 preferences"),
+    ):
+        for operation in ("Write", "Read"):
+            ours = f"Contract/{operation}/{message}/wevlin"
+            theirs = f"Contract/{operation}/{message}/nlohmann"
+            if not results.has(ours):
+                continue
+            ours_rate = results.median(ours, "bytes_per_second")
+            theirs_rate = results.median(theirs, "bytes_per_second")
+            rows.append(
+                f"| {label} | {operation} | {fmt(mb(ours_rate))} | "
+                f"{fmt(results.median(ours, 'items_per_second'), 0)} | {fmt(mb(theirs_rate))} | "
+                f"{fmt(results.median(theirs, 'items_per_second'), 0)} | "
+                f"{fmt(ratio(ours_rate, theirs_rate), 2)} |"
+            )
+    return rows
+
+
+def base64_table(results):
+    rows = [
+        "| Size | Encode GB/s | Decode GB/s | memcpy GB/s | encode / memcpy | decode / memcpy |",
+        "|---:|---:|---:|---:|---:|---:|",
+    ]
+    for size, label in ((1 << 10, "1 KiB"), (64 << 10, "64 KiB"), (16 << 20, "16 MiB")):
+        rates = {
+            kind: results.median(f"Base64/{kind}/{size}", "bytes_per_second")
+            for kind in ("Encode", "Decode", "Memcpy")
+        }
+        if rates["Encode"] is None:
+            continue
+        gb = {kind: None if rate is None else rate / 1e9 for kind, rate in rates.items()}
+        rows.append(
+            f"| {label} | {fmt(gb['Encode'], 2)} | {fmt(gb['Decode'], 2)} | {fmt(gb['Memcpy'], 2)} | "
+            f"{fmt(ratio(rates['Encode'], rates['Memcpy']), 3)} | "
+            f"{fmt(ratio(rates['Decode'], rates['Memcpy']), 3)} |"
+        )
+    return rows
+
+
+def dispatch_table(results):
+    rows = ["| Call | Services registered | ns per call (CPU) |", "|---|---:|---:|"]
+    for services in (10, 100, 10000):
+        name = f"Dispatch/HostMethod/services:{services}"
+        seconds = results.seconds(name)
+        if seconds is not None:
+            rows.append(
+                f"| HostAPI::tavoHostMethod, 100-byte payload, echo service | {services:,} | "
+                f"{fmt(seconds * 1e9, 0)} |"
+            )
+    seconds = results.seconds("Dispatch/WebMethod")
+    if seconds is not None:
+        rows.append(
+            f"| HostControlInstance::InvokeWebMethod, 100-byte payload, answering control | - | "
+            f"{fmt(seconds * 1e9, 0)} |"
+        )
+    return rows
+
+
+def scale_table(results):
+    name = "Scale/Instances/100"
+    if not results.has(name):
+        return []
+    per_instance = results.median(name, "time_per_instance")
+    return [
+        "| Host control instances | Set-up time per instance | Heap per instance | "
+        "RSS growth for all (first set) |",
+        "|---:|---:|---:|---:|",
+        f"| 100 | {fmt(per_instance * 1e6 if per_instance else None)} us | "
+        f"{fmt(results.median(name, 'heap_per_instance'), 0)} bytes | "
+        f"{fmt(results.median(name, 'rss_delta_kib'), 0)} KiB |",
+    ]
+
+
+def browser_rows(results):
+    """(label, mean seconds, p50 us, p99 us, calls per second) of each browser benchmark."""
+    rows = []
+    entries = [("Browser/Evaluate", "bare Runtime.evaluate round trip (ExecuteScript(\"1\"))", 0)]
+    for size, size_label in ((100, "100 B"), (100 << 10, "100 KiB")):
+        entries.append((f"Browser/HostToPage/{size}", f"host to page, InvokeWebMethod, {size_label}", size))
+        entries.append(
+            (f"Browser/PageToHost/bridge/{size}", f"page to host, wevlinHost bridge, {size_label}", size)
+        )
+        entries.append(
+            (f"Browser/PageToHost/library/{size}", f"page to host, wevlin.js invokeMethod, {size_label}", size)
+        )
+    for name, label, _ in entries:
+        if not results.has(name):
+            continue
+        calls_per_second = results.median(name, "items_per_second")
+        mean = None if not calls_per_second else 1.0 / calls_per_second
+        rows.append(
+            (name, label, mean, results.median(name, "p50_us"), results.median(name, "p99_us"), calls_per_second)
+        )
+    return rows
+
+
+def browser_table(results):
+    rows = browser_rows(results)
+    if not rows:
+        return []
+    evaluate = next((row for row in rows if row[0] == "Browser/Evaluate"), None)
+    table = [
+        "| Call | calls/s | mean us | p50 us | p99 us | mean / evaluate | p50 / evaluate |",
+        "|---|---:|---:|---:|---:|---:|---:|",
+    ]
+    for name, label, mean, p50, p99, calls_per_second in rows:
+        table.append(
+            f"| {label} | {fmt(calls_per_second, 0)} | {fmt(mean * 1e6 if mean else None, 0)} | "
+            f"{fmt(p50, 0)} | {fmt(p99, 0)} | "
+            f"{fmt(ratio(mean, evaluate[2]) if evaluate else None, 2)} | "
+            f"{fmt(ratio(p50, evaluate[3]) if evaluate else None, 2)} |"
+        )
+    clock = None
+    for name in results.runs:
+        if name.startswith("Browser/PageToHost/"):
+            clock = results.median(name, "page_clock_us")
+            break
+    if clock:
+        table.append("")
+        table.append(
+            f"The page's clock (performance.now) moves in steps of {fmt(clock, 0)} us here, so the "
+            "page-to-host percentiles are good to one step; the means are exact."
+        )
+    return table
+
+
+def goals(results):
+    lines = []
+
+    def verdict(ok):
+        return "met" if ok else "NOT met"
+
+    worst_read = worst_write = None
+    for document in CORPUS:
+        for direction in ("Read", "Write"):
+            value = ratio(
+                results.median(f"Json/{direction}/{document}/wevlin", "bytes_per_second"),
+                results.median(f"Json/{direction}/{document}/nlohmann", "bytes_per_second"),
+            )
+            if value is None:
+                continue
+            if direction == "Read":
+                worst_read = value if worst_read is None else min(worst_read, value)
+            else:
+                worst_write = value if worst_write is None else min(worst_write, value)
+    if worst_read is not None:
+        lines.append(
+            f"- Corpus documents at least as fast as nlohmann-json: slowest read ratio "
+            f"{fmt(worst_read, 2)}, slowest write ratio {fmt(worst_write, 2)}: "
+            f"{verdict(worst_read >= 1 and worst_write is not None and worst_write >= 1)}."
+        )
+    growth = []
+    for big, small in (("flat_1m", "flat_10k"), ("objects_1m", "objects_10k"), ("escaped_1m", "escaped_10k")):
+        for direction in ("Read", "Write"):
+            value = ratio(per_byte_ns(results, direction, big), per_byte_ns(results, direction, small))
+            if value is not None:
+                growth.append((value, f"{direction.lower()} {big}"))
+    if growth:
+        worst = max(growth)
+        lines.append(
+            f"- 100x larger document <= 1.2x per-byte cost: worst {fmt(worst[0], 2)} ({worst[1]}): "
+            f"{verdict(worst[0] <= 1.2)}."
+        )
+    deep = [
+        ratio(per_byte_ns(results, direction, "nested_1000"), per_byte_ns(results, direction, "flat_10k"))
+        for direction in ("Read", "Write")
+    ]
+    deep = [value for value in deep if value is not None]
+    if deep:
+        lines.append(
+            f"- Depth 1000 <= 2x the per-byte cost of flat: worst {fmt(max(deep), 2)}: "
+            f"{verdict(max(deep) <= 2.0)}."
+        )
+    encode = results.median(f"Base64/Encode/{64 << 10}", "bytes_per_second")
+    decode = results.median(f"Base64/Decode/{64 << 10}", "bytes_per_second")
+    if encode and decode:
+        lines.append(
+            f"- Base64 >= 1 GB/s at 64 KiB: encode {fmt(encode / 1e9, 2)} GB/s, decode "
+            f"{fmt(decode / 1e9, 2)} GB/s: {verdict(min(encode, decode) >= 1e9)}."
+        )
+    hundred = results.seconds("Dispatch/HostMethod/services:100")
+    if hundred is not None:
+        lines.append(
+            f"- Library cost per call < 2 us with 100 services: {fmt(hundred * 1e9, 0)} ns "
+            f"(10 services: {fmt((results.seconds('Dispatch/HostMethod/services:10') or 0) * 1e9, 0)} ns, "
+            f"10,000: {fmt((results.seconds('Dispatch/HostMethod/services:10000') or 0) * 1e9, 0)} ns): "
+            f"{verdict(hundred < 2e-6)}."
+        )
+    rows = {row[0]: row for row in browser_rows(results)}
+    evaluate = rows.get("Browser/Evaluate")
+    bridge = rows.get("Browser/PageToHost/bridge/100")
+    if evaluate and bridge and evaluate[2]:
+        by_mean = ratio(bridge[2], evaluate[2])
+        by_median = ratio(bridge[3], evaluate[3])
+        lines.append(
+            f"- Page to host <= 2x a bare evaluate (100 B, bridge): mean {fmt(by_mean, 2)}x, "
+            f"p50 {fmt(by_median, 2)}x: "
+            f"{verdict(by_mean is not None and by_median is not None and max(by_mean, by_median) <= 2.0)}."
+        )
+    return lines
+
+
+def context_lines(results):
+    lines = []
+    for context in results.contexts:
+        if not context:
+            continue
+        load = ", ".join(f"{value:.2f}" for value in context.get("load_avg", []))
+        lines.append(
+            f"- {context.get('executable', '?')}: {context.get('date', '?')}, "
+            f"{context.get('num_cpus', '?')} CPUs at {context.get('mhz_per_cpu', '?')} MHz, "
+            f"load average at start {load or '?'}"
+        )
+    return lines
+
+
+def markdown(results):
+    sections = [
+        ("Goals", goals(results)),
+        ("JSON reading (JsonValue::FromJsonString, DOM parse)", json_tables(results, "Read")),
+        ("JSON writing (JsonValue::ToJsonString, DOM write)", json_tables(results, "Write")),
+        ("Per-byte cost as documents grow (ratio of ns per byte)", linearity_table(results)),
+        ("Data contracts", contract_table(results)),
+        ("Base64", base64_table(results)),
+        ("Dispatch (library cost per call)", dispatch_table(results)),
+        ("Many host control instances", scale_table(results)),
+        ("Through the browser (ChromiumWebControl)", browser_table(results)),
+        ("Runs", context_lines(results)),
+    ]
+    out = []
+    for title, rows in sections:
+        if not rows:
+            continue
+        out.append(f"### {title}")
+        out.append("")
+        out.extend(rows)
+        out.append("")
+    return "\n".join(out)
+
+
+def update_markdown(path, text):
+    if path == "-":
+        sys.stdout.write(text)
+        return
+    with open(path, encoding="utf-8") as stream:
+        document = stream.read()
+    begin = document.find(BEGIN)
+    end = document.find(END)
+    if begin < 0 or end < begin:
+        raise SystemExit(f"{path}: no '{BEGIN}' ... '{END}' section to replace")
+    document = document[: begin + len(BEGIN)] + "\n\n" + text + "\n" + document[end:]
+    with open(path, "w", encoding="utf-8") as stream:
+        stream.write(document)
+
+
+def chart(results, path):
+    import matplotlib
+
+    matplotlib.use("Agg")
+    import matplotlib.pyplot as plt
+
+    figure, axes = plt.subplots(2, 2, figsize=(15, 10))
+    colors = {"wevlin": "#2b6cb0", "nlohmann": "#dd6b20", "rapidjson": "#718096"}
+
+    for axis, direction in ((axes[0][0], "Read"), (axes[0][1], "Write")):
+        documents = [
+            document
+            for document in CORPUS + GENERATED
+            if results.has(f"Json/{direction}/{document}/wevlin")
+        ]
+        width = 0.27
+        for index, library in enumerate(LIBRARIES):
+            values = [
+                mb(results.median(f"Json/{direction}/{document}/{library}", "bytes_per_second")) or 0
+                for document in documents
+            ]
+            positions = [position + (index - 1) * width for position in range(len(documents))]
+            axis.bar(positions, values, width, label=library, color=colors[library])
+        axis.set_xticks(range(len(documents)))
+        axis.set_xticklabels(documents, rotation=45, ha="right", fontsize=8)
+        axis.set_ylabel("MB/s of input document (CPU time)")
+        axis.set_title(f"JSON {direction.lower()} (DOM), median")
+        axis.legend(fontsize=8)
+        axis.grid(axis="y", alpha=0.3)
+
+    axis = axes[1][0]
+    labels = []
+    series = {"Encode": [], "Decode": [], "Memcpy": []}
+    for size, label in ((1 << 10, "1 KiB"), (64 << 10, "64 KiB"), (16 << 20, "16 MiB")):
+        if not results.has(f"Base64/Encode/{size}"):
+            continue
+        labels.append(label)
+        for kind in series:
+            rate = results.median(f"Base64/{kind}/{size}", "bytes_per_second")
+            series[kind].append((rate or 0) / 1e9)
+    if labels:
+        width = 0.27
+        for index, (kind, values) in enumerate(series.items()):
+            positions = [position + (index - 1) * width for position in range(len(labels))]
+            axis.bar(positions, values, width, label=kind if kind != "Memcpy" else "memcpy (ceiling)")
+        axis.set_yscale("log")
+        axis.set_xticks(range(len(labels)))
+        axis.set_xticklabels(labels)
+        axis.axhline(1.0, color="red", linestyle="--", linewidth=1, label="goal 1 GB/s")
+        axis.set_ylabel("GB/s of raw data (log scale)")
+        axis.set_title("Base64 beside memcpy, median")
+        axis.legend(fontsize=8)
+        axis.grid(axis="y", alpha=0.3)
+
+    axis = axes[1][1]
+    names = []
+    values = []
+    for services in (10, 100, 10000):
+        seconds = results.seconds(f"Dispatch/HostMethod/services:{services}")
+        if seconds is not None:
+            names.append(f"tavoHostMethod\n{services:,} services")
+            values.append(seconds * 1e9)
+    seconds = results.seconds("Dispatch/WebMethod")
+    if seconds is not None:
+        names.append("InvokeWebMethod\n(answering control)")
+        values.append(seconds * 1e9)
+    browser = browser_rows(results)
+    if values:
+        bars = axis.bar(range(len(values)), values, color="#2b6cb0")
+        axis.bar_label(bars, labels=[f"{value:,.0f} ns" for value in values], fontsize=8)
+        axis.axhline(2000, color="red", linestyle="--", linewidth=1, label="goal 2 us")
+        axis.set_xticks(range(len(values)))
+        axis.set_xticklabels(names, fontsize=8)
+        axis.set_ylabel("ns per call (CPU)")
+        title = "Library cost per call, median"
+        if browser:
+            evaluate = next((row for row in browser if row[0] == "Browser/Evaluate"), None)
+            bridge = next((row for row in browser if row[0] == "Browser/PageToHost/bridge/100"), None)
+            if evaluate and bridge and evaluate[2] and bridge[2]:
+                title += (
+                    f"\nthrough the browser: evaluate {evaluate[2] * 1e6:,.0f} us, "
+                    f"page to host {bridge[2] * 1e6:,.0f} us (means, 100 B)"
+                )
+        axis.set_title(title, fontsize=10)
+        axis.legend(fontsize=8, loc="upper left")
+        axis.grid(axis="y", alpha=0.3)
+
+    figure.suptitle("wevlin benchmarks (2 shared cores; see docs/performance.md)")
+    figure.tight_layout()
+    figure.savefig(path, dpi=90)
+
+
+def check(results):
+    failed = {
+        name: message
+        for name, message in results.errors.items()
+        if not message.startswith("missing ")
+    }
+    for name, message in sorted(results.errors.items()):
+        print(f"{'FAILED' if name in failed else 'skipped'}: {name}: {message}")
+    if not results.runs:
+        print("no benchmark results")
+        return 1
+    return 1 if failed else 0
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("results", nargs="+", help="JSON files written by the benchmark programs")
+    parser.add_argument("--markdown", help="file whose results section to replace, or - for stdout")
+    parser.add_argument("--chart", help="PNG file to draw")
+    parser.add_argument("--check", action="store_true", help="fail on benchmark errors")
+    arguments = parser.parse_args()
+    results = Results(arguments.results)
+    status = 0
+    if arguments.check:
+        status = check(results)
+    if arguments.markdown:
+        update_markdown(arguments.markdown, markdown(results))
+    if arguments.chart:
+        chart(results, arguments.chart)
+    return status
+
+
+if __name__ == "__main__":
+    sys.exit(main())

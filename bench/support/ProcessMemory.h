@@ -1,0 +1,24 @@
+#ifndef WEVLIN_BENCH_SUPPORT_PROCESSMEMORY_H_
+#define WEVLIN_BENCH_SUPPORT_PROCESSMEMORY_H_
+
+#include <cstddef>
+
+namespace wevlin_bench {
+
+// Reads how much memory the process uses, for the scale benchmarks.
+// Linux only (/proc and glibc), like the benchmarks. Any thread.
+class ProcessMemory {
+ public:
+  ProcessMemory() = delete;
+
+  // Returns the resident set size in bytes (/proc/self/statm).
+  static std::size_t ResidentBytes();
+
+  // Returns the bytes of heap blocks in use (glibc's mallinfo2), which unlike
+  // the resident size does not hide allocations that reuse freed memory.
+  static std::size_t HeapInUseBytes();
+};
+
+}  // namespace wevlin_bench
+
+#endif  // WEVLIN_BENCH_SUPPORT_PROCESSMEMORY_H_
