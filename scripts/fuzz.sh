@@ -37,12 +37,27 @@ case "$mode" in
 esac
 jobs="${JOBS:-2}"
 
+# use_compiler DIR COMPILER: CMake resets a build directory configured for
+# another compiler and drops the options given with that run, so such a
+# directory is started afresh instead.
+use_compiler() {
+  local dir="$1" wanted current
+  wanted="$(command -v "$2" || echo "$2")"
+  [ -f "$dir/CMakeCache.txt" ] || return 0
+  current="$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' "$dir/CMakeCache.txt")"
+  if [ "$current" != "$wanted" ] && [ "$current" != "$2" ]; then
+    rm -rf "$dir/CMakeCache.txt" "$dir/CMakeFiles"
+  fi
+}
+
 if [ "$mode" = "replay" ]; then
   ensure_packages "${WEVLIN_BUILD_PACKAGES[@]}"
   build_dir="${BUILD_DIR:-build/fuzz-replay}"
+  replay_cxx="${REPLAY_CXX:-g++}"
+  use_compiler "$build_dir" "$replay_cxx"
   cmake -S . -B "$build_dir" -G Ninja \
     -DCMAKE_BUILD_TYPE=Debug \
-    -DCMAKE_CXX_COMPILER="${REPLAY_CXX:-g++}" \
+    -DCMAKE_CXX_COMPILER="$replay_cxx" \
     -DWEVLIN_WARNINGS_AS_ERRORS=ON \
     -DWEVLIN_SANITIZE=address,undefined \
     -DWEVLIN_BUILD_FUZZERS=ON \
@@ -61,12 +76,7 @@ build_dir="${BUILD_DIR:-build/fuzz}"
 seconds="${FUZZ_SECONDS:-60}"
 parallel="${FUZZ_PARALLEL:-1}"
 
-# A build directory configured for another compiler would be reset by CMake,
-# dropping the options below: start it afresh instead.
-if [ -f "$build_dir/CMakeCache.txt" ] &&
-  ! grep -qE '^CMAKE_CXX_COMPILER:[A-Z]+=(/usr/bin/)?clang\+\+-14$' "$build_dir/CMakeCache.txt"; then
-  rm -rf "$build_dir/CMakeCache.txt" "$build_dir/CMakeFiles"
-fi
+use_compiler "$build_dir" clang++-14
 
 # RelWithDebInfo: optimised for speed of fuzzing. It also compiles out the
 # deliberate debug assertions of the version test services, which the

@@ -503,6 +503,11 @@ TEST_F(HostileInputTest, RequestWebServiceListThatFailsEndsInLoadedNoTalk) {
 
 const interop::BaseServiceDescriptor kPageService("page.svc", "1");
 
+// The page's service as the instance's calls take it.
+interop::ITargetServiceDesc* PageService() {
+  return const_cast<interop::BaseServiceDescriptor*>(&kPageService);
+}
+
 // What InvokeWebMethod and InvokeWebEvent make of a reply: the text returned,
 // or the exception thrown, as "runtime_error: ..." and the like.
 struct ReplyOutcome {
@@ -557,15 +562,11 @@ TEST_F(HostileInputTest, WebMethodAndWebEventAnswers) {
   for (const ReplyOutcome& outcome : outcomes) {
     page_.MethodReply = outcome.reply;
     page_.EventReply = outcome.reply;
-    EXPECT_EQ(Describe([&] {
-                return instance_->InvokeWebMethod(
-                    const_cast<interop::BaseServiceDescriptor*>(&kPageService), "");
-              }),
+    EXPECT_EQ(Describe([&] { return instance_->InvokeWebMethod(PageService(), ""); }),
               outcome.method)
         << outcome.reply;
     EXPECT_EQ(Describe([&] {
-                instance_->InvokeWebEvent(
-                    const_cast<interop::BaseServiceDescriptor*>(&kPageService), "");
+                instance_->InvokeWebEvent(PageService(), "");
                 return std::string();
               }),
               outcome.event)
@@ -616,20 +617,13 @@ TEST_F(HostileInputTest, PageThatAnswersEveryScriptWithARecord) {
   EXPECT_EQ(host.Instance().GetContentState(), interop::Initializing);
   EXPECT_EQ(host.Instance().GetWebSideVersion(), kPageRecord);
   EXPECT_EQ(host.Instance().GetKnownWebSideServices()->GetSize(), 0);
-  EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
-      [&] {
-        host.Instance().InvokeWebMethod(const_cast<interop::BaseServiceDescriptor*>(&kPageService),
-                                        "");
-      },
-      "Cannot talk to hosted content"));
+  EXPECT_TRUE(
+      ThrowsExactly<std::runtime_error>([&] { host.Instance().InvokeWebMethod(PageService(), ""); },
+                                        "Cannot talk to hosted content"));
   // Were the instance told it can talk, every call would fail with the record.
   host.Instance().SetContentState(interop::LoadedCanTalk);
   EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
-      [&] {
-        host.Instance().InvokeWebMethod(const_cast<interop::BaseServiceDescriptor*>(&kPageService),
-                                        "");
-      },
-      "Error page says no"));
+      [&] { host.Instance().InvokeWebMethod(PageService(), ""); }, "Error page says no"));
   services::Session::_2014_07::SessionProxy session(&host.Instance());
   EXPECT_TRUE(ThrowsExactly<std::runtime_error>(
       [&] { session.UpdateSession(services::Session::_2014_07::SessionMsg()); },
@@ -660,10 +654,7 @@ TEST_F(HostileInputTest, BrowserThatDiesDuringTheHandshake) {
   // Every later call fails cleanly.
   EXPECT_EQ(host.Api().tavoHost_WebSideStartHandShake(), "");
   host.Instance().SetContentState(interop::LoadedCanTalk);
-  EXPECT_EQ(Describe([&] {
-              return host.Instance().InvokeWebMethod(
-                  const_cast<interop::BaseServiceDescriptor*>(&kPageService), "");
-            }),
+  EXPECT_EQ(Describe([&] { return host.Instance().InvokeWebMethod(PageService(), ""); }),
             "ScriptException: browser gone / target closed");
 }
 
@@ -682,10 +673,7 @@ TEST_F(HostileInputTest, BrowserThatDiesDuringACallIntoThePage) {
   page_.Fail("tavoInterop_WebMethod", ScriptException("browser gone", "pipe closed"));
   page_.Fail("tavoInterop_WebEvent", ScriptException("browser gone", "pipe closed"));
   StdoutCapture capture;
-  EXPECT_EQ(Describe([&] {
-              return instance_->InvokeWebMethod(
-                  const_cast<interop::BaseServiceDescriptor*>(&kPageService), "");
-            }),
+  EXPECT_EQ(Describe([&] { return instance_->InvokeWebMethod(PageService(), ""); }),
             "ScriptException: browser gone / pipe closed");
   services::Session::_2014_07::SessionProxy session(instance_.get());
   EXPECT_EQ(Describe([&] {
