@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "support/AnsweringControl.h"
+#include "support/AnsweringHost.h"
 #include "support/CountingService.h"
 #include "support/ExceptionChecks.h"
 #include "support/HostCleanup.h"
@@ -31,6 +32,7 @@ using interop::HostAPI;
 using interop::HostControlInstance;
 using interop::JsonValue;
 using wevlin_test::AnsweringControl;
+using wevlin_test::AnsweringHost;
 using wevlin_test::CountingService;
 using wevlin_test::ServiceProbe;
 using wevlin_test::StdoutCapture;
@@ -117,32 +119,6 @@ class HostileLargeInputTest : public wevlin_test::HostedPageFixture {
   }
 
   ServiceProbe probe_;
-};
-
-// An instance on an AnsweringControl, under the fixture's manager.
-class AnsweringHost {
- public:
-  explicit AnsweringHost(AnsweringControl::Answer answer)
-      : control_(std::move(answer)),
-        instance_(std::make_unique<HostControlInstance>(&control_)),
-        api_(std::make_unique<HostAPI>(instance_.get())) {}
-  ~AnsweringHost() {
-    api_.reset();
-    wevlin_test::DestroyHostControlInstance(instance_);
-  }
-  std::string Handshake() {
-    instance_->LaunchToTarget(&target_);
-    control_.CompleteLoad();
-    return api_->tavoHost_WebSideStartHandShake();
-  }
-  AnsweringControl& Control() { return control_; }
-  HostControlInstance& Instance() { return *instance_; }
-
- private:
-  AnsweringControl control_;
-  interop::TargetConfig target_{"app", "App", "https://app.example/"};
-  std::unique_ptr<HostControlInstance> instance_;
-  std::unique_ptr<HostAPI> api_;
 };
 
 // ---------------------------------------------------------------------------

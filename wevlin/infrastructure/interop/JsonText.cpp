@@ -20,6 +20,43 @@
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::internal {
 namespace {
 
+// Appends what the escape "\<escape>" of a string stands for to `out`, and
+// returns false for a letter that is no escape. Both string readers share it.
+// "\u" stands for nothing: the reader copies its digits as ordinary
+// characters.
+bool AppendEscape(char escape, std::string& out) {
+  switch (escape) {
+    case '"':
+      out += '"';
+      return true;
+    case '/':
+      out += '/';
+      return true;
+    case '\\':
+      out += '\\';
+      return true;
+    case 'b':
+      out += '\b';
+      return true;
+    case 'f':
+      out += '\f';
+      return true;
+    case 'n':
+      out += '\n';
+      return true;
+    case 'r':
+      out += '\r';
+      return true;
+    case 't':
+      out += '\t';
+      return true;
+    case 'u':
+      return true;
+    default:
+      return false;
+  }
+}
+
 using Base::internal::WriteLogLine;
 
 constexpr char kNotAString[] = "JSON data is not a string";
@@ -876,37 +913,7 @@ class StrictReader {
         ++p_;
         return true;
       }
-      switch (p_[1]) {
-        case '"':
-          out += '"';
-          break;
-        case '/':
-          out += '/';
-          break;
-        case '\\':
-          out += '\\';
-          break;
-        case 'b':
-          out += '\b';
-          break;
-        case 'f':
-          out += '\f';
-          break;
-        case 'n':
-          out += '\n';
-          break;
-        case 'r':
-          out += '\r';
-          break;
-        case 't':
-          out += '\t';
-          break;
-        case 'u':
-          // Dropped; the digits after it are copied as ordinary characters.
-          break;
-        default:
-          return false;
-      }
+      if (!AppendEscape(p_[1], out)) return false;
       p_ += 2;
     }
   }
@@ -1059,37 +1066,7 @@ bool ReadJsonStringView(std::string_view text, std::string& out) {
     if (*p == '"') return true;
     // A backslash: decode the escape after it.
     if (p + 1 == end) Fail(kNotAString);
-    switch (p[1]) {
-      case '"':
-        out += '"';
-        break;
-      case '/':
-        out += '/';
-        break;
-      case '\\':
-        out += '\\';
-        break;
-      case 'b':
-        out += '\b';
-        break;
-      case 'f':
-        out += '\f';
-        break;
-      case 'n':
-        out += '\n';
-        break;
-      case 'r':
-        out += '\r';
-        break;
-      case 't':
-        out += '\t';
-        break;
-      case 'u':
-        // Dropped; the digits after it are copied as ordinary characters.
-        break;
-      default:
-        Fail(kInvalidEscape);
-    }
+    if (!AppendEscape(p[1], out)) Fail(kInvalidEscape);
     p += 2;
   }
 }
