@@ -120,8 +120,11 @@ expect_eq "pkg-config --cflags --libs wevlin" "$(pkg-config --cflags --libs wevl
 g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror tests/package/consumer/main.cpp \
   $(pkg-config --cflags --libs wevlin) -o "$work/consumer-pkg-config"
 LD_LIBRARY_PATH="$libdir" "$work/consumer-pkg-config" | tail -n 1
-LD_LIBRARY_PATH="$libdir" ldd "$work/consumer-pkg-config" | grep -q "libwevlin.so.$major => $libdir/" ||
-  fail "the pkg-config consumer does not load the installed library"
+# Read ldd's whole answer before matching: with pipefail, "ldd | grep -q" fails
+# whenever grep stops reading first and ldd dies of SIGPIPE.
+linked="$(LD_LIBRARY_PATH="$libdir" ldd "$work/consumer-pkg-config")"
+grep -q "libwevlin.so.$major => $libdir/" <<<"$linked" ||
+  fail "the pkg-config consumer does not load the installed library: $linked"
 echo "ok   the program loads $libdir/libwevlin.so.$major"
 
 echo "== find_package(wevlin CONFIG REQUIRED COMPONENTS chromium)"

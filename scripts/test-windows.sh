@@ -109,7 +109,8 @@ for file in "$dll" "$implib"; do
   }
   ls -l "$file"
 done
-x86_64-w64-mingw32-objdump -f "$dll" | grep -q "file format pei-x86-64" || {
+dll_header="$(x86_64-w64-mingw32-objdump -f "$dll")"
+grep -q "file format pei-x86-64" <<<"$dll_header" || {
   echo "$dll is not a 64-bit Windows DLL" >&2
   exit 1
 }

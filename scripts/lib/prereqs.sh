@@ -7,7 +7,7 @@ ensure_packages() {
   local missing=()
   local pkg
   for pkg in "$@"; do
-    if ! dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q "install ok installed"; then
+    if [ "$(dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null || true)" != "install ok installed" ]; then
       missing+=("$pkg")
     fi
   done
