@@ -9,74 +9,50 @@
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
-// The content of a value: its type and the one slot that the type names
-// (integer, double, boolean, string, object or array). Only that slot exists,
-// constructed in place, so a body is 64 bytes whatever the kind; the other
-// kinds read as empty, false or zero simply because the accessors refuse
-// them. Scalars, which are most of the values of a document, then take a
-// quarter of the memory that a body holding every slot at once would, and
-// their allocations stay in the allocator's quickest size classes.
+// The content of a value: every slot at once, in this order, and the type.
+// Only the slot named by `type` is meaningful; the others are always empty,
+// false or zero, because every setter resets the whole body first. Empty
+// slots cost no allocation: an empty vector, map or short string lives inside
+// the body itself.
 struct JsonValueBody {
-  JsonValueBody() noexcept : intValue(0) {}
-  JsonValueBody(const JsonValueBody& other) : intValue(0) { CopyFrom(other); }
-  JsonValueBody& operator=(const JsonValueBody&) = delete;
-  ~JsonValueBody() { Reset(); }
-
-  // Destroys the slot in use, leaving a Null body.
+  // Resets every slot and the type, as JsonValue::Clear documents. Slots are
+  // only ever non-empty when their type says so, so only that one has
+  // anything to release.
   void Reset() noexcept {
     switch (type) {
+      case JsonValue::Integer:
+        intValue = 0;
+        break;
+      case JsonValue::Double:
+        doubleValue = 0.0;
+        break;
+      case JsonValue::Boolean:
+        boolValue = false;
+        break;
       case JsonValue::String:
-        stringValue.~basic_string();
+        // Swapped out rather than cleared, so that a long string's buffer is
+        // released now and not kept for a later value of another kind.
+        std::string().swap(stringValue);
         break;
       case JsonValue::Object:
-        objectValue.~JsonObject();
+        objectValue = JsonObject();
         break;
       case JsonValue::Array:
-        arrayValue.~vector();
+        std::vector<JsonValue>().swap(arrayValue);
         break;
       default:
         break;
     }
     type = JsonValue::Null;
-    intValue = 0;
   }
 
-  // Makes this Null body a copy of `other`.
-  void CopyFrom(const JsonValueBody& other) {
-    switch (other.type) {
-      case JsonValue::Integer:
-        intValue = other.intValue;
-        break;
-      case JsonValue::Double:
-        doubleValue = other.doubleValue;
-        break;
-      case JsonValue::Boolean:
-        boolValue = other.boolValue;
-        break;
-      case JsonValue::String:
-        new (&stringValue) std::string(other.stringValue);
-        break;
-      case JsonValue::Object:
-        new (&objectValue) JsonObject(other.objectValue);
-        break;
-      case JsonValue::Array:
-        new (&arrayValue) std::vector<JsonValue>(other.arrayValue);
-        break;
-      default:
-        break;
-    }
-    type = other.type;
-  }
-
+  std::vector<JsonValue> arrayValue;
+  bool boolValue = false;
+  double doubleValue = 0.0;
+  int intValue = 0;
+  JsonObject objectValue;
+  std::string stringValue;
   JsonValue::ValueType type = JsonValue::Null;
-  union {
-    int intValue;
-    double doubleValue;
-    bool boolValue;
-    std::string stringValue;
-    JsonObject objectValue;
-    std::vector<JsonValue> arrayValue;
-  };
 };
 
 namespace {
@@ -174,7 +150,7 @@ void JsonValue::SetValue(std::string&& value) {
   std::string taken(std::move(value));
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  new (&body_->stringValue) std::string(std::move(taken));
+  body_->stringValue = std::move(taken);
   body_->type = String;
 }
 
@@ -188,7 +164,7 @@ void JsonValue::SetValue(JsonObject&& value) {
   JsonObject taken(std::move(value));
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  new (&body_->objectValue) JsonObject(std::move(taken));
+  body_->objectValue = std::move(taken);
   body_->type = Object;
 }
 
@@ -200,7 +176,7 @@ void JsonValue::SetValue(std::vector<JsonValue>&& value) {
   std::vector<JsonValue> taken(std::move(value));
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  new (&body_->arrayValue) std::vector<JsonValue>(std::move(taken));
+  body_->arrayValue = std::move(taken);
   body_->type = Array;
 }
 
@@ -214,7 +190,6 @@ void JsonValue::PushBack(JsonValue&& value) {
   if (body_->type != Array) {
     Clear();
     if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-    new (&body_->arrayValue) std::vector<JsonValue>();
     body_->type = Array;
   }
   body_->arrayValue.push_back(std::move(taken));
