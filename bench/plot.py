@@ -507,7 +507,7 @@ def chart(results, path):
         axis.legend(fontsize=8, loc="upper left")
         axis.grid(axis="y", alpha=0.3)
 
-    figure.suptitle("wevlin benchmarks (2 shared cores; see docs/performance.md)")
+    figure.suptitle("wevlin benchmarks (2 cores; see docs/performance.md)")
     figure.tight_layout()
     figure.savefig(path, dpi=90)
 
