@@ -6,6 +6,7 @@
 #include <string>
 
 #include "support/ScriptedPage.h"
+#include "support/StandardServiceHandlers.h"
 #include "support/TimerEnvironmentScope.h"
 #include "wevlin/infrastructure/interop/HostAPI.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
@@ -66,13 +67,11 @@ class HostHarness {
                   const std::string& errorMessage);
 
  private:
-  struct Handlers;
-
   wevlin_test::TimerEnvironmentScope env_;
   wevlin_test::ScriptedPage page_;
   Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::TargetConfig target_{"app", "App",
                                                                             "https://app.example/"};
-  std::unique_ptr<Handlers> handlers_;
+  wevlin_test::StandardServiceHandlers handlers_;
   Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::HostManager* previousManager_ = nullptr;
   std::unique_ptr<Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::HostControlInstance>
       instance_;

@@ -12,28 +12,15 @@
 #include <vector>
 
 #include "support/HostedPageFixture.h"
+#include "support/StandardServiceHandlers.h"
 #include "wevlin/infrastructure/interop/HostContentState.h"
-#include "wevlin/infrastructure/services/core/_2014_02/HostConfigurationSvc.h"
-#include "wevlin/infrastructure/services/core/_2014_02/StartupNotificationSvc.h"
-#include "wevlin/infrastructure/services/core/_2014_07/ClientStatusSvc.h"
-#include "wevlin/infrastructure/services/core/_2014_07/HostConfigurationSvc.h"
 #include "wevlin/infrastructure/services/logging/_2014_02/LoggerForwardSvc.h"
-#include "wevlin/infrastructure/services/refresh/_2014_07/RefreshSvc.h"
-#include "wevlin/infrastructure/services/session/_2014_07/SessionSvc.h"
-#include "wevlin/infrastructure/services/soa/_2014_02/AsyncSoaJsonMessageSvc.h"
-#include "wevlin/infrastructure/services/soa/_2014_02/HostSessionInfoSvc.h"
-#include "wevlin/infrastructure/services/soa/_2014_02/RequestHostAuthSvc.h"
 
 namespace {
 
 namespace interop = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
 namespace services = Com::Velmora::TAVO::Wevlin::Infrastructure::Services;
-namespace core02 = services::Core::_2014_02;
-namespace core07 = services::Core::_2014_07;
 namespace logging02 = services::Logging::_2014_02;
-namespace refresh07 = services::Refresh::_2014_07;
-namespace session07 = services::Session::_2014_07;
-namespace soa02 = services::Soa::_2014_02;
 
 constexpr std::size_t kMillion = 1000000;
 
@@ -75,76 +62,6 @@ const std::string kStartup =
 const std::string kReplyTo =
     "\"{\\\"FQN\\\": \\\"app.Reply.client\\\", \\\"SvcVersion\\\": \\\"1\\\"}\"";
 
-// The handlers of every standard service: they record what reaches them and
-// keep the asynchronous requests, which each test answers before it ends.
-struct Handlers : core02::IHandleHostConfigurationSvc,
-                  core07::IHandleClientStatusSvc,
-                  soa02::IHandleAsyncSoaJsonServiceRequest,
-                  soa02::IHandleHostSessionInfoSvc,
-                  soa02::IHandleRequestHostAuthSvc,
-                  session07::IHandleSessionSvc,
-                  refresh07::IHandleRefreshSvc {
-  struct Configuration07 : core07::IHandleHostConfigurationSvc {
-    const core07::HostConfigurationResponseMsg& GetHostConfiguration(
-        interop::IHostControlInstance*, interop::IHostServiceDescriptor*) override {
-      return message;
-    }
-    core07::HostConfigurationResponseMsg message;
-  };
-  struct SoaRequest {
-    std::string serviceName, operationName, message;
-    void* context;
-    soa02::SoaResponseCallback callback;
-  };
-
-  const core02::HostConfigurationResponseMsg& GetHostConfiguration(
-      interop::IHostControlInstance*, interop::IHostServiceDescriptor*) override {
-    return configuration02;
-  }
-  void OnClientStatus(const core07::ClientStatusMsg& status) override {
-    statuses.push_back(status.State);
-  }
-  void OnSoaJsonRequest(std::string serviceName, std::string operationName, std::string message,
-                        void* context, soa02::SoaResponseCallback callback) override {
-    soaRequests.push_back(SoaRequest{std::move(serviceName), std::move(operationName),
-                                     std::move(message), context, callback});
-  }
-  const soa02::HostSessionInfoResponseMsg& GetHostSessionInfo(
-      interop::IHostControlInstance*, interop::IHostServiceDescriptor*) override {
-    return sessionInfo;
-  }
-  void OnRequestHostAuth(void* context, soa02::RequestHostAuthCallback callback) override {
-    authRequests.emplace_back(context, callback);
-  }
-  void OnSession(const session07::SessionMsg& session) override {
-    sessions.push_back(session.SessionObjects.size());
-  }
-  void OnRefresh(const refresh07::RefreshMsg& refresh) override {
-    refreshes.push_back(refresh.CreatedObjects.size());
-  }
-
-  // Answers every pending request, so that their records are freed.
-  void AnswerAll() {
-    for (const SoaRequest& request : soaRequests) {
-      request.callback(request.context, "", interop::ExceptionInfo());
-    }
-    soaRequests.clear();
-    for (const auto& [context, callback] : authRequests) {
-      callback(context, false, interop::ExceptionInfo());
-    }
-    authRequests.clear();
-  }
-
-  core02::HostConfigurationResponseMsg configuration02;
-  Configuration07 configuration07;
-  soa02::HostSessionInfoResponseMsg sessionInfo;
-  std::vector<std::string> statuses;
-  std::vector<SoaRequest> soaRequests;
-  std::vector<std::pair<void*, soa02::RequestHostAuthCallback>> authRequests;
-  std::vector<std::size_t> sessions;
-  std::vector<std::size_t> refreshes;
-};
-
 std::vector<std::string> forwardedLevels;
 
 void Forward(const logging02::LoggerEntryMsg& entry) { forwardedLevels.push_back(entry.Level); }
@@ -154,16 +71,7 @@ class HostileServicePayloadTest : public wevlin_test::HostedPageFixture {
   void SetUp() override {
     HostedPageFixture::SetUp();
     forwardedLevels.clear();
-    manager_->RegisterService(new core02::HostConfigurationSvc(&handlers_));
-    manager_->RegisterService(new core07::HostConfigurationSvc(&handlers_.configuration07));
-    manager_->RegisterService(new core02::StartupNotificationSvc());
-    manager_->RegisterService(new core07::ClientStatusSvc(&handlers_));
-    manager_->RegisterService(new soa02::AsyncSoaJsonMessageSvc(&handlers_));
-    manager_->RegisterService(new soa02::HostSessionInfoSvc(&handlers_));
-    manager_->RegisterService(new soa02::RequestHostAuthSvc(&handlers_));
-    manager_->RegisterService(new session07::SessionSvc(&handlers_));
-    manager_->RegisterService(new refresh07::RefreshSvc(&handlers_));
-    manager_->RegisterService(new logging02::LoggerForwardSvc(&Forward));
+    handlers_.RegisterStandardServices(manager_, &Forward);
     Talk();
   }
 
@@ -172,7 +80,9 @@ class HostileServicePayloadTest : public wevlin_test::HostedPageFixture {
     HostedPageFixture::TearDown();
   }
 
-  Handlers handlers_;
+  // Every test answers the pending requests it makes; TearDown answers the
+  // rest while the instance lives.
+  wevlin_test::StandardServiceHandlers handlers_;
 };
 
 // ---------------------------------------------------------------------------
