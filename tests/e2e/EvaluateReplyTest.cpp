@@ -7,15 +7,16 @@
 
 namespace {
 
+using Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal::IsUncopyableValueError;
 using Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal::MakeScriptException;
-using Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal::ReadPrimitiveResult;
-using Json = nlohmann::json;
+using Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal::ReadResultText;
+using Json = nlohmann::ordered_json;
 
-// Returns the text of a primitive result, or "<object>" when the value must
-// be asked of the page.
+// Returns the text of a result, or "<handle>" when the result is only a
+// handle to an object of the page.
 std::string Read(const char* remoteObject) {
   std::string text = "unchanged";
-  return ReadPrimitiveResult(Json::parse(remoteObject), &text) ? text : "<object>";
+  return ReadResultText(Json::parse(remoteObject), &text) ? text : "<handle>";
 }
 
 TEST(EvaluateReplyTest, ReadsPrimitiveValuesAsJavaScriptWritesThem) {
@@ -33,10 +34,70 @@ TEST(EvaluateReplyTest, ReadsPrimitiveValuesAsJavaScriptWritesThem) {
   EXPECT_EQ(Read(R"J({"type":"number","value":7})J"), "7");
 }
 
-TEST(EvaluateReplyTest, ObjectsWithAHandleAreLeftToThePage) {
-  EXPECT_EQ(Read(R"J({"type":"object","className":"Object","objectId":"1.2.3"})J"), "<object>");
-  EXPECT_EQ(Read(R"J({"type":"function","className":"Function","objectId":"1.2.4"})J"), "<object>");
-  EXPECT_EQ(Read(R"J({"type":"object","value":{"a":[1,"x"]}})J"), "{\"a\":[1,\"x\"]}");
+TEST(EvaluateReplyTest, ValuesCopiedByTheBrowserAreWrittenAsJson) {
+  // Keys stay in the order the browser wrote them.
+  EXPECT_EQ(Read(R"J({"type":"object","value":{"b":[1,"x",null,3e-7],"a":{"c":true}}})J"),
+            R"J({"b":[1,"x",null,3e-7],"a":{"c":true}})J");
+  EXPECT_EQ(Read(R"J({"type":"object","value":{"2":"a","1":"c","z":{}}})J"),
+            R"J({"2":"a","1":"c","z":{}})J");
+  EXPECT_EQ(Read(R"J({"type":"object","value":[]})J"), "[]");
+  EXPECT_EQ(Read(R"J({"type":"object","value":{}})J"), "{}");
+  EXPECT_EQ(Read(R"J({"type":"object","subtype":"array","value":[[],[[false]]]})J"),
+            "[[],[[false]]]");
+  // Strings are escaped as JSON.stringify escapes them, UTF-8 stays as it is.
+  EXPECT_EQ(Read(R"J({"type":"object","value":{"\u0001\n\"\\":"\u001f\t/Grüße"}})J"),
+            R"J({"\u0001\n\"\\":"\u001f\t/Grüße"})J");
+}
+
+TEST(EvaluateReplyTest, NumbersInsideCopiesAreWrittenAsJavaScriptWritesThem) {
+  const auto number = [](const std::string& literal) {
+    return Read(("{\"type\":\"object\",\"value\":[" + literal + "]}").c_str());
+  };
+  EXPECT_EQ(number("0"), "[0]");
+  EXPECT_EQ(number("-0.0"), "[0]");
+  EXPECT_EQ(number("-7"), "[-7]");
+  EXPECT_EQ(number("2147483648"), "[2147483648]");
+  EXPECT_EQ(number("-2147483649"), "[-2147483649]");
+  EXPECT_EQ(number("1.5"), "[1.5]");
+  EXPECT_EQ(number("-0.1"), "[-0.1]");
+  EXPECT_EQ(number("0.000001"), "[0.000001]");
+  EXPECT_EQ(number("1e-7"), "[1e-7]");
+  EXPECT_EQ(number("1.25e-7"), "[1.25e-7]");
+  EXPECT_EQ(number("123.456"), "[123.456]");
+  EXPECT_EQ(number("1e16"), "[10000000000000000]");
+  EXPECT_EQ(number("1e20"), "[100000000000000000000]");
+  EXPECT_EQ(number("123456789012345680000"), "[123456789012345680000]");
+  EXPECT_EQ(number("1e21"), "[1e+21]");
+  EXPECT_EQ(number("-1.5e300"), "[-1.5e+300]");
+  EXPECT_EQ(number("5e-324"), "[5e-324]");
+  EXPECT_EQ(number("0.30000000000000004"), "[0.30000000000000004]");
+}
+
+TEST(EvaluateReplyTest, FunctionsAndSymbolsGiveNothing) {
+  EXPECT_EQ(Read(R"J({"type":"function","value":{}})J"), "");
+  EXPECT_EQ(Read(R"J({"type":"function","className":"Function","objectId":"1.2.4"})J"), "");
+  EXPECT_EQ(Read(R"J({"type":"symbol","description":"Symbol(s)","objectId":"1.2.3"})J"), "");
+}
+
+TEST(EvaluateReplyTest, ObjectsWithOnlyAHandleAreNotRead) {
+  EXPECT_EQ(Read(R"J({"type":"object","className":"Object","description":"Object",
+                      "objectId":"1.2.3"})J"),
+            "<handle>");
+  EXPECT_EQ(Read(R"J({"type":"object","className":"Object"})J"), "");
+}
+
+TEST(EvaluateReplyTest, RecognisesValuesTheBrowserCannotCopy) {
+  EXPECT_TRUE(
+      IsUncopyableValueError("Runtime.evaluate failed: Object couldn't be returned by value"));
+  EXPECT_TRUE(
+      IsUncopyableValueError("Runtime.evaluate failed: Object reference chain is too long"));
+  EXPECT_TRUE(IsUncopyableValueError(
+      "Runtime.evaluate failed: Failed to convert response to JSON: CBOR: stack limit exceeded at "
+      "position 2444"));
+  EXPECT_FALSE(
+      IsUncopyableValueError("Runtime.evaluate failed: Cannot find default execution context"));
+  EXPECT_FALSE(IsUncopyableValueError("The page's renderer process crashed"));
+  EXPECT_FALSE(IsUncopyableValueError(""));
 }
 
 TEST(EvaluateReplyTest, ErrorMessageLeavesTheStackOut) {

@@ -143,6 +143,44 @@ TEST_F(HostedPageTest, HostServicesRunOnTheApplicationThread) {
   EXPECT_EQ(threads, std::vector<std::thread::id>{std::this_thread::get_id()});
 }
 
+TEST_F(HostedPageTest, PageCallDuringAHostServiceIsServedAfterTheServiceReturns) {
+  CountingService* greeter = AddGreeter();
+  std::vector<std::string> order;
+  greeter->SetMethodHandler([&](auto*, auto*, const std::string& payload) {
+    order.push_back("greeter serves '" + payload + "'");
+    return std::string("hello from the host");
+  });
+  auto* outer = new CountingService("tavo.e2e.Outer.host", kVersion, &probe_);
+  std::string innerCall;
+  outer->SetMethodHandler([&](auto*, auto*, const std::string& payload) {
+    order.push_back("outer starts '" + payload + "'");
+    // The page calls the greeter while this service waits for a script.
+    innerCall = Eval("e2e.invokeMethod('tavo.e2e.Greeter.host', '_2014_07', 'inner')");
+    order.push_back("outer's script returned");
+    // Time for the page's call to reach the control's queue.
+    std::this_thread::sleep_for(300ms);
+    EXPECT_EQ(Eval("e2e.done(" + innerCall + ")"), "false");
+    order.push_back("nested pump took " + std::to_string(control_->PumpEvents()));
+    order.push_back("outer ends");
+    return std::string("outer done");
+  });
+  RegisterService(outer);
+  LaunchAndLogIn();
+
+  EXPECT_EQ(PageCall("e2e.invokeMethod('tavo.e2e.Outer.host', '_2014_07', 'outer')"),
+            Resolved("outer done"));
+  ASSERT_FALSE(innerCall.empty());
+  ASSERT_TRUE(
+      control_->RunUntil([&] { return Eval("e2e.done(" + innerCall + ")") == "true"; }, kWait));
+  EXPECT_EQ(Json::parse(Eval("e2e.outcome(" + innerCall + ")")), Resolved("hello from the host"));
+  EXPECT_EQ(order, (std::vector<std::string>{"outer starts 'outer'", "outer's script returned",
+                                             "nested pump took 0", "outer ends",
+                                             "greeter serves 'inner'"}));
+  ASSERT_EQ(probe_.calls.size(), 2u);
+  EXPECT_EQ(probe_.calls[0].service, outer);
+  EXPECT_EQ(probe_.calls[1].service, greeter);
+}
+
 TEST_F(HostedPageTest, MissingHostServiceGivesTheExactRecordInThePage) {
   LaunchAndLogIn();
   const std::string message =

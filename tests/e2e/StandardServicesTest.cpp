@@ -8,12 +8,16 @@
 #include <vector>
 
 #include "support/BrowserFixture.h"
+#include "wevlin/infrastructure/services/Pair.h"
 #include "wevlin/infrastructure/services/core/_2014_02/HostConfigurationResponseMsg.h"
 #include "wevlin/infrastructure/services/core/_2014_02/HostConfigurationSvc.h"
 #include "wevlin/infrastructure/services/core/_2014_02/IHandleHostConfigurationSvc.h"
 #include "wevlin/infrastructure/services/core/_2014_07/ClientStatusMsg.h"
 #include "wevlin/infrastructure/services/core/_2014_07/ClientStatusSvc.h"
+#include "wevlin/infrastructure/services/core/_2014_07/HostConfigurationResponseMsg.h"
+#include "wevlin/infrastructure/services/core/_2014_07/HostConfigurationSvc.h"
 #include "wevlin/infrastructure/services/core/_2014_07/IHandleClientStatusSvc.h"
+#include "wevlin/infrastructure/services/core/_2014_07/IHandleHostConfigurationSvc.h"
 #include "wevlin/infrastructure/services/logging/_2014_02/LoggerEntryMsg.h"
 #include "wevlin/infrastructure/services/logging/_2014_02/LoggerForwardSvc.h"
 #include "wevlin/infrastructure/services/session/_2014_07/SessionMsg.h"
@@ -30,6 +34,7 @@ namespace logging02 = Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Logg
 namespace session07 = Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Session::_2014_07;
 namespace version03 = Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Version::_2014_03;
 namespace interop = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
+using Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Pair;
 
 class ConfigurationHandler : public core02::IHandleHostConfigurationSvc {
  public:
@@ -40,6 +45,18 @@ class ConfigurationHandler : public core02::IHandleHostConfigurationSvc {
   }
 
   core02::HostConfigurationResponseMsg configuration;
+  std::vector<interop::IHostControlInstance*> instances;
+};
+
+class SettingsHandler : public core07::IHandleHostConfigurationSvc {
+ public:
+  const core07::HostConfigurationResponseMsg& GetHostConfiguration(
+      interop::IHostControlInstance* instance, interop::IHostServiceDescriptor*) override {
+    instances.push_back(instance);
+    return configuration;
+  }
+
+  core07::HostConfigurationResponseMsg configuration;
   std::vector<interop::IHostControlInstance*> instances;
 };
 
@@ -101,6 +118,45 @@ TEST_F(StandardServicesTest, HostConfigurationReachesThePageAsTheHostWroteIt) {
   EXPECT_EQ(configuration["HostType"], "desktop");
   EXPECT_EQ(configuration["ShowVelmoraLogo"], "");
   EXPECT_EQ(configuration["Version"], "_2014_02");
+}
+
+TEST_F(StandardServicesTest, HostSettingsReachThePageAsTheHostWroteThem) {
+  SettingsHandler handler;
+  handler.configuration.Settings.push_back(Pair("Theme", "dark \"night\""));
+  handler.configuration.Settings.push_back(Pair("AllowGoHome", "true"));
+  handler.configuration.Settings.push_back(Pair("Grüße", "a\\b\nc"));
+  handler.configuration.Settings.push_back(Pair("Empty", ""));
+  RegisterService(new core07::HostConfigurationSvc(&handler));
+  LaunchAndLogIn("services.html");
+
+  const std::string fqn = "tavo.wevlin.infrastructure.services.core.HostConfiguration.host";
+  const Json outcome = Method(fqn, "_2014_07", "''");
+  EXPECT_EQ(outcome, Resolved(R"J({"Version": "_2014_07", "Settings": [)J"
+                              R"J({"Key": "Theme", "Value": "dark \"night\""}, )J"
+                              R"J({"Key": "AllowGoHome", "Value": "true"}, )J"
+                              R"J({"Key": "Grüße", "Value": "a\\b\nc"}, )J"
+                              R"J({"Key": "Empty", "Value": ""}]})J"))
+      << outcome.dump();
+  EXPECT_EQ(handler.instances, std::vector<interop::IHostControlInstance*>{instance_.get()});
+
+  // Only version _2014_07 is registered: a call of _2014_02 is not served.
+  const std::string message = "No matching service descriptor found for: " + fqn + " ver: _2014_02";
+  EXPECT_EQ(Method(fqn, "_2014_02", "''"),
+            (Json{{"done", true},
+                  {"ok", false},
+                  {"name", "std::invalid_argument"},
+                  {"message", message},
+                  {"record",
+                   "{\"Exception\": {\"name\": \"std::invalid_argument\", "
+                   "\"message\": \"" +
+                       message + "\"}}"}}));
+  EXPECT_EQ(handler.instances.size(), 1u);
+
+  // Asked again, the host writes the settings it has then.
+  handler.configuration.Settings.clear();
+  EXPECT_EQ(Method(fqn, "_2014_07", "{}"),
+            Resolved(R"J({"Version": "_2014_07", "Settings": []})J"));
+  EXPECT_EQ(handler.instances.size(), 2u);
 }
 
 TEST_F(StandardServicesTest, ClientStatusReachesItsHandler) {

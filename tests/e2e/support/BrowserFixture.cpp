@@ -95,7 +95,13 @@ std::string BrowserFixture::JsString(const std::string& text) {
 }
 
 void ExpectNothingLeft(std::int64_t pid, const std::string& profileDirectory) {
-  EXPECT_FALSE(ProcessScan::IsRunning(pid)) << "browser process " << pid << " still runs";
+  // The browser is a child of this process: once the control is gone it must
+  // have been reaped too, not merely killed.
+  if (ProcessScan::IsRunning(pid)) {
+    ADD_FAILURE() << "browser process " << pid << " still runs";
+  } else {
+    EXPECT_FALSE(ProcessScan::Exists(pid)) << "browser process " << pid << " was not reaped";
+  }
   EXPECT_EQ(ProcessScan::Running(pid, profileDirectory), std::vector<long>())
       << "processes of the browser are left behind";
   EXPECT_FALSE(std::filesystem::exists(profileDirectory))

@@ -28,9 +28,9 @@ namespace wevlin_e2e {
 //
 // SetUp builds all of it; TearDown takes it down in the order an application
 // must (listener, API, instance, control, manager) and then checks that the
-// browser left nothing behind: no running process of its process group or
-// naming its profile, and no profile directory. A test may call ShutDown
-// itself to check that earlier.
+// browser left nothing behind: the browser process reaped, no running process
+// of its process group or naming its profile, and no profile directory. A test
+// may call ShutDown itself to check that earlier.
 //
 // Everything runs on the test's thread, which is the control's application
 // thread: the waits below deliver the control's events.
@@ -102,8 +102,9 @@ class BrowserFixture : public ::testing::Test {
 };
 
 // Checks that nothing of the browser whose process (group) id was `pid` and
-// whose profile was `profileDirectory` is left: no running process and no
-// directory.
+// whose profile was `profileDirectory` is left: the browser, a child of this
+// process, neither runs nor waits to be reaped; no other process of its group
+// or naming its profile runs; and the directory is gone.
 void ExpectNothingLeft(std::int64_t pid, const std::string& profileDirectory);
 
 }  // namespace wevlin_e2e

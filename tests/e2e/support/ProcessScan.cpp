@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -83,6 +84,23 @@ bool ProcessScan::IsRunning(std::int64_t pid) {
   char state = 0;
   long group = 0;
   return ReadStat(std::to_string(pid), &state, &group) && state != 'Z' && state != 'X';
+}
+
+bool ProcessScan::Exists(std::int64_t pid) {
+  struct stat info;
+  return pid > 0 && ::stat(("/proc/" + std::to_string(pid)).c_str(), &info) == 0;
+}
+
+std::vector<std::string> ProcessScan::Arguments(std::int64_t pid) {
+  const std::string text = ReadProcFile("/proc/" + std::to_string(pid) + "/cmdline");
+  std::vector<std::string> arguments;
+  std::size_t start = 0;
+  std::size_t end;
+  while ((end = text.find('\0', start)) != std::string::npos) {
+    arguments.push_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+  return arguments;
 }
 
 }  // namespace wevlin_e2e

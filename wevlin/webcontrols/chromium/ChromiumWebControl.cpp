@@ -26,7 +26,7 @@ namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium {
 
 namespace {
 
-using Json = nlohmann::json;
+using Json = internal::DevToolsConnection::Json;
 using Infrastructure::Base::internal::WriteLogLine;
 using Infrastructure::Interop::Base64;
 using Infrastructure::Interop::HostAPI;
@@ -41,7 +41,8 @@ using internal::PageEvent;
 constexpr char kBindingName[] = "__wevlinHostBinding";
 constexpr char kReplyFunction[] = "__wevlinHostReply";
 
-// Objects that scripts return are held in this group until they are read.
+// What a failed script throws stays in the page, held in this group until it
+// is released; the values of scripts that succeed are copied and hold nothing.
 constexpr char kObjectGroup[] = "wevlin-script";
 
 constexpr char kDefaultExecutable[] = "/usr/bin/chromium";
@@ -117,7 +118,7 @@ std::string ConsoleText(const Json& params) {
     std::string value;
     if (StringOf(arg, "type") == "string") {
       value = StringOf(arg, "value");
-    } else if (!internal::ReadPrimitiveResult(arg, &value) || value.empty()) {
+    } else if (!internal::ReadResultText(arg, &value) || value.empty()) {
       value = StringOf(arg, "description");
     }
     text += value;
@@ -165,6 +166,7 @@ class ChromiumWebControl::Impl {
   void ReleaseScriptObjects();
   bool PageCrashed();
   ScriptException ScriptFailure(const ChromiumError& error);
+  ScriptException UncopyableValue(const ChromiumError& error);
 };
 
 ChromiumWebControl::Impl::Impl(ChromiumOptions options) : options_(std::move(options)) {
@@ -488,6 +490,16 @@ ScriptException ChromiumWebControl::Impl::ScriptFailure(const ChromiumError& err
   return ScriptException(error.what(), std::string());
 }
 
+ScriptException ChromiumWebControl::Impl::UncopyableValue(const ChromiumError& error) {
+  const std::string prefix = "Runtime.evaluate failed: ";
+  std::string reason = error.what();
+  if (reason.rfind(prefix, 0) == 0) reason.erase(0, prefix.size());
+  return ScriptException(
+      "The browser cannot copy the script's value (" + reason + ")",
+      "The script ran, but its value is not plain data: return one without cycles or symbols, "
+      "and without BigInts inside objects");
+}
+
 void ChromiumWebControl::Impl::ReleaseScriptObjects() {
   try {
     connection_->Post("Runtime.releaseObjectGroup", {{"objectGroup", kObjectGroup}}, sessionId_,
@@ -503,13 +515,18 @@ std::string ChromiumWebControl::Impl::ExecuteScript(const std::string& script) {
   const std::string source = internal::ToValidUtf8(script);
   Json reply;
   try {
+    // The browser copies the value into its answer as JSON.
     reply = connection_->Call("Runtime.evaluate",
                               {{"expression", source},
                                {"objectGroup", kObjectGroup},
-                               {"returnByValue", false},
+                               {"returnByValue", true},
                                {"awaitPromise", false}},
                               sessionId_, options_.commandTimeout);
   } catch (const ChromiumError& error) {
+    if (error.kind() == ChromiumError::Kind::ProtocolError &&
+        internal::IsUncopyableValueError(error.what())) {
+      throw UncopyableValue(error);
+    }
     throw ScriptFailure(error);
   }
   const auto details = reply.find("exceptionDetails");
@@ -518,32 +535,11 @@ std::string ChromiumWebControl::Impl::ExecuteScript(const std::string& script) {
     throw internal::MakeScriptException(*details, source);
   }
   const auto result = reply.find("result");
-  const Json value = result != reply.end() ? *result : Json::object();
   std::string text;
-  if (internal::ReadPrimitiveResult(value, &text)) return text;
-
-  // An object or function: its JSON text, written by the page.
-  Json written;
-  try {
-    written =
-        connection_->Call("Runtime.callFunctionOn",
-                          {{"functionDeclaration", "function () { return JSON.stringify(this); }"},
-                           {"objectId", StringOf(value, "objectId")},
-                           {"returnByValue", true}},
-                          sessionId_, options_.commandTimeout);
-  } catch (const ChromiumError& error) {
+  if (result != reply.end() && !internal::ReadResultText(*result, &text)) {
+    // A handle instead of a copy: nothing to read, and nothing to keep.
     ReleaseScriptObjects();
-    throw ScriptFailure(error);
-  }
-  ReleaseScriptObjects();
-  const auto writeDetails = written.find("exceptionDetails");
-  if (writeDetails != written.end() && writeDetails->is_object()) {
-    const ScriptException thrown = internal::MakeScriptException(*writeDetails, std::string());
-    throw ScriptException(thrown.message, "while writing the script's value as JSON");
-  }
-  const auto writtenResult = written.find("result");
-  if (writtenResult == written.end() || !internal::ReadPrimitiveResult(*writtenResult, &text)) {
-    return std::string();
+    text.clear();
   }
   return text;
 }

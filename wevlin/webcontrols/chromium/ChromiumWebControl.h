@@ -97,13 +97,27 @@ class WEVLIN_CHROMIUM_EXPORT ChromiumWebControl : public Infrastructure::Interop
   void Navigate(std::string target) override;
 
   // Runs `script` in the page's main frame, waits for it, and returns its
-  // value as text: a string as it is; undefined and null give ""; an object
-  // its JSON text (JSON.stringify); a number, boolean or BigInt as JavaScript
-  // writes it. Throws IWebControl::ScriptException when the script throws or
-  // does not parse (message: what was thrown, e.g. "ReferenceError: nope is
-  // not defined"; details: "line 1, column 1: nope()"), and when the browser
-  // is gone or does not answer within the command time-out (message: the
-  // problem; a script still running then is stopped).
+  // value as text. The browser copies the value into its answer as JSON
+  // (one Runtime.evaluate with returnByValue), and the text is:
+  //  - a string: the string as it is;
+  //  - undefined, null or a function: "";
+  //  - a number, boolean or BigInt: as JavaScript writes it ("1.5", "1e+21",
+  //    "NaN", "-Infinity", "0" for minus zero, a BigInt's digits);
+  //  - an object or array: the JSON text of the browser's copy, keys in the
+  //    page's order and numbers as JavaScript writes them, as in
+  //    {"b":[1,"x",null],"a":{"c":true}}. Undefined members are left out;
+  //    undefined elements, holes, NaN and Infinity are null. The copy takes
+  //    own enumerable properties and does not call toJSON, so a Date, Map,
+  //    RegExp, Promise or DOM node gives {} and a function inside an object
+  //    gives {}.
+  // Throws IWebControl::ScriptException when the script throws or does not
+  // parse (message: what was thrown, e.g. "ReferenceError: nope is not
+  // defined"; details: "line 1, column 1: nope()"); when the browser cannot
+  // copy the value, which then has run: a symbol, a cyclic object such as
+  // window, or a BigInt or symbol inside an object (message: "The browser
+  // cannot copy the script's value (Object reference chain is too long)");
+  // and when the browser is gone or does not answer within the command
+  // time-out (message: the problem; a script still running then is stopped).
   std::string ExecuteScript(std::string script) override;
 
   // Registers `observer` to be told of each finished load of the main frame,

@@ -38,7 +38,9 @@ namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal {
 // thread and must not wait for a Call.
 class DevToolsConnection {
  public:
-  using Json = nlohmann::json;
+  // Messages keep their members in the order the browser wrote them, so that
+  // a value a script returns keeps the order of its keys.
+  using Json = nlohmann::ordered_json;
   // Receives an event message, on the reader thread.
   using EventHandler = std::function<void(DevToolsConnection& connection, const Json& message)>;
   // Receives the whole answer to a posted command, on the reader thread.

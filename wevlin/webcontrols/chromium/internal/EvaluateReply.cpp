@@ -1,12 +1,17 @@
 #include "wevlin/webcontrols/chromium/internal/EvaluateReply.h"
 
+#include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstdint>
+#include <cstdlib>
+#include <iterator>
 
 namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal {
 
 namespace {
 
-using Json = nlohmann::json;
+using Json = nlohmann::ordered_json;
 
 std::string StringField(const Json& object, const char* key) {
   const auto it = object.find(key);
@@ -69,13 +74,132 @@ std::string FailureUrl(const Json& details) {
   return std::string();
 }
 
+// Writes the finite number `value` as JavaScript's Number.prototype.toString
+// does: the shortest digits that read back as `value`, in positional notation
+// from 1e-7 up to 1e21 and as "1.5e+21" or "1e-7" outside.
+std::string JavaScriptNumber(double value) {
+  if (value == 0) return "0";
+  char buffer[64];
+  const auto written = std::to_chars(buffer, buffer + sizeof buffer, std::fabs(value),
+                                     std::chars_format::scientific);
+  const std::string scientific(buffer, written.ptr);
+  const std::size_t mark = scientific.find('e');
+  std::string digits = scientific.substr(0, mark);
+  digits.erase(std::remove(digits.begin(), digits.end(), '.'), digits.end());
+  // The value is 0.<digits> times ten to the power `point`.
+  const int point = std::atoi(scientific.c_str() + mark + 1) + 1;
+  const int count = static_cast<int>(digits.size());
+  std::string text = value < 0 ? "-" : "";
+  if (count <= point && point <= 21) {
+    text += digits + std::string(static_cast<std::size_t>(point - count), '0');
+  } else if (0 < point && point <= 21) {
+    text += digits.substr(0, static_cast<std::size_t>(point)) + "." +
+            digits.substr(static_cast<std::size_t>(point));
+  } else if (-6 < point && point <= 0) {
+    text += "0." + std::string(static_cast<std::size_t>(-point), '0') + digits;
+  } else {
+    text += digits.substr(0, 1);
+    if (count > 1) text += "." + digits.substr(1);
+    text += point - 1 < 0 ? "e-" : "e+";
+    text += std::to_string(std::abs(point - 1));
+  }
+  return text;
+}
+
+// Appends `text` as a JSON string, escaped as JSON.stringify escapes it.
+void AppendString(const std::string& text, std::string* out) {
+  static const char kHex[] = "0123456789abcdef";
+  out->push_back('"');
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    switch (c) {
+      case '"':
+        *out += "\\\"";
+        break;
+      case '\\':
+        *out += "\\\\";
+        break;
+      case '\b':
+        *out += "\\b";
+        break;
+      case '\f':
+        *out += "\\f";
+        break;
+      case '\n':
+        *out += "\\n";
+        break;
+      case '\r':
+        *out += "\\r";
+        break;
+      case '\t':
+        *out += "\\t";
+        break;
+      default:
+        if (byte < 0x20) {
+          *out += "\\u00";
+          out->push_back(kHex[byte >> 4]);
+          out->push_back(kHex[byte & 0xF]);
+        } else {
+          out->push_back(c);
+        }
+    }
+  }
+  out->push_back('"');
+}
+
+// Appends `value` as JSON text: members in their order, numbers as
+// JavaScript writes them, no blanks.
+void AppendJson(const Json& value, std::string* out) {
+  switch (value.type()) {
+    case Json::value_t::object: {
+      out->push_back('{');
+      for (auto member = value.begin(); member != value.end(); ++member) {
+        if (member != value.begin()) out->push_back(',');
+        AppendString(member.key(), out);
+        out->push_back(':');
+        AppendJson(member.value(), out);
+      }
+      out->push_back('}');
+      break;
+    }
+    case Json::value_t::array: {
+      out->push_back('[');
+      for (auto element = value.begin(); element != value.end(); ++element) {
+        if (element != value.begin()) out->push_back(',');
+        AppendJson(*element, out);
+      }
+      out->push_back(']');
+      break;
+    }
+    case Json::value_t::string:
+      AppendString(value.get_ref<const std::string&>(), out);
+      break;
+    case Json::value_t::boolean:
+      *out += value.get<bool>() ? "true" : "false";
+      break;
+    case Json::value_t::number_integer:
+      *out += std::to_string(value.get<std::int64_t>());
+      break;
+    case Json::value_t::number_unsigned:
+      *out += std::to_string(value.get<std::uint64_t>());
+      break;
+    case Json::value_t::number_float:
+      *out += JavaScriptNumber(value.get<double>());
+      break;
+    default:
+      *out += "null";
+      break;
+  }
+}
+
 }  // namespace
 
-bool ReadPrimitiveResult(const Json& remoteObject, std::string* text) {
+bool ReadResultText(const Json& remoteObject, std::string* text) {
   const std::string type = StringField(remoteObject, "type");
   const std::string subtype = StringField(remoteObject, "subtype");
   const auto value = remoteObject.find("value");
-  if (type == "undefined" || type == "symbol" || (type == "object" && subtype == "null")) {
+  if (type == "undefined" || type == "symbol" || type == "function" ||
+      (type == "object" && subtype == "null")) {
     text->clear();
     return true;
   }
@@ -97,11 +221,27 @@ bool ReadPrimitiveResult(const Json& remoteObject, std::string* text) {
     *text = written;
     return true;
   }
+  if (value != remoteObject.end()) {
+    text->clear();
+    AppendJson(*value, text);
+    return true;
+  }
   if (remoteObject.contains("objectId")) return false;
-  // An object passed by value (no handle): its JSON as the browser gave it.
-  *text = value != remoteObject.end() ? value->dump(-1, ' ', false, Json::error_handler_t::replace)
-                                      : std::string();
+  text->clear();
   return true;
+}
+
+bool IsUncopyableValueError(const std::string& errorText) {
+  // The texts with which the browser refuses to copy a value: a symbol, or a
+  // BigInt inside an object; a cycle or deep nesting; a copy too deep for
+  // the protocol's own encoding.
+  static const char* const kTexts[] = {
+      "Object couldn't be returned by value",
+      "Object reference chain is too long",
+      "Failed to convert response to JSON",
+  };
+  return std::any_of(std::begin(kTexts), std::end(kTexts),
+                     [&](const char* text) { return errorText.find(text) != std::string::npos; });
 }
 
 Infrastructure::Interop::IWebControl::ScriptException MakeScriptException(

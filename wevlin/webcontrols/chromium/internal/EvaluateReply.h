@@ -9,14 +9,24 @@
 
 namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal {
 
-// Reads the value a script produced from its DevTools description (a
-// RemoteObject of Runtime.evaluate). For a value that is not an object, sets
-// `*text` and returns true: a string as it is; undefined, null and symbols
-// ""; booleans "true" or "false"; numbers as JavaScript writes them ("1.5",
-// "1e+21", "NaN", "Infinity", "0" for minus zero); a BigInt its digits.
-// Returns false for an object or function, whose JSON text must be asked
-// of the page.
-bool ReadPrimitiveResult(const nlohmann::json& remoteObject, std::string* text);
+// Reads the text of a value from its DevTools description (a RemoteObject),
+// as Runtime.evaluate with "returnByValue" gives it. Sets `*text` and returns
+// true: a string as it is; undefined, null, symbols and functions "";
+// booleans "true" or "false"; numbers as JavaScript writes them ("1.5",
+// "1e+21", "NaN", "Infinity", "0" for minus zero); a BigInt its digits; an
+// object or array passed by value the JSON text of the copy the browser made,
+// members in the order the browser wrote them and numbers as JavaScript
+// writes them. Returns false for an object that is only a handle (an
+// "objectId" and no value), whose text is then its description.
+//
+// The browser's copy is not JSON.stringify: toJSON is not called, so a Date,
+// a Map or a Promise is {}, and a function inside an object is {}.
+bool ReadResultText(const nlohmann::ordered_json& remoteObject, std::string* text);
+
+// Returns true when `errorText`, the error answer of Runtime.evaluate, says
+// that the script ran but the browser could not copy its value: a cycle or
+// nesting too deep, a symbol, or a BigInt inside an object.
+bool IsUncopyableValueError(const std::string& errorText);
 
 // Builds the exception that reports a failed script from the exceptionDetails
 // of Runtime.evaluate. `message` is what was thrown: the description of an
@@ -27,7 +37,7 @@ bool ReadPrimitiveResult(const nlohmann::json& remoteObject, std::string* text);
 // `script`>" when the failure is in the script itself, "line 12, column 9 of
 // <url>" when it is in a file of the page.
 Infrastructure::Interop::IWebControl::ScriptException MakeScriptException(
-    const nlohmann::json& exceptionDetails, const std::string& script);
+    const nlohmann::ordered_json& exceptionDetails, const std::string& script);
 
 }  // namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal
 
