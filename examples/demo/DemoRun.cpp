@@ -33,6 +33,11 @@ constexpr const char* kFailingService = "tavo.demo.Failing.client";
 constexpr const char* kFailingMessage = "The demo page refuses this call on purpose";
 // The host service that the demo page calls although nobody offers it.
 constexpr const char* kMissingService = "tavo.demo.Missing.host";
+// The page service that the demo page registers late and then announces, and
+// what it answers: this prefix followed by the payload.
+constexpr const char* kLateService = "tavo.demo.Echo.client";
+constexpr const char* kLateVersion = "_2014_07";
+constexpr const char* kLateAnswerPrefix = "The page echoes: ";
 
 std::string ShortName(const std::string& fqn) {
   static const std::string prefix = "tavo.wevlin.infrastructure.services.";
@@ -134,7 +139,7 @@ int DemoRun::Run() {
   base::SetLogSink(
       [this](const std::string& line) { transcript_.Labelled(Tone::Script, "library", line); });
 
-  services_ = std::make_unique<HostServices>(transcript_, uiThread_, work_);
+  services_ = std::make_unique<HostServices>(transcript_, work_);
   interop::HostManager* manager = interop::HostManager::TheInstance();
   transcript_.Heading("Host services registered with the host manager");
   for (interop::IHostServiceDescriptor* service : services_->RegisterAll(manager)) {
@@ -173,10 +178,15 @@ int DemoRun::StartBrowser() {
   } catch (const chromium::ChromiumError& error) {
     transcript_.Raw(Tone::Failed, std::string("The browser did not start: ") + error.what());
     errorSummary_ = std::string("the browser did not start: ") + error.what();
+    // Only a browser that is not there is helped by installing one; a browser
+    // that started and then died has said why on standard error.
+    const bool missing =
+        std::string(error.what()).find("does not exist or is not executable") != std::string::npos;
     if (error.kind() == chromium::ChromiumError::Kind::LaunchFailed) {
       const std::string hint =
-          "Install Debian's package chromium (apt-get install chromium), or set "
-          "WEVLIN_CHROMIUM to a Chromium executable; scripts/demo.sh installs it.";
+          missing ? "Install Debian's package chromium (apt-get install chromium), or set "
+                    "WEVLIN_CHROMIUM to a Chromium executable; scripts/demo.sh installs it."
+                  : "The browser is there but did not come up; its own messages above say why.";
       transcript_.Raw(Tone::Failed, hint);
       errorSummary_ += "\n" + hint;
     }
@@ -184,6 +194,8 @@ int DemoRun::StartBrowser() {
   }
   transcript_.Stamped(Tone::Plain, "headless Chromium started, process " +
                                        std::to_string(control_->BrowserProcessId()));
+  transcript_.Labelled(Tone::Plain, "profile",
+                       control_->ProfileDirectory() + " (removed when the control goes)");
 
   // The application's objects around the control, as any embedding builds
   // them: the instance on the control (here through the tracing control that
@@ -258,22 +270,46 @@ void DemoRun::RunPageStep(const Json& step, std::size_t number, std::size_t coun
   const std::string id = step.at("id").get<std::string>();
   const std::string kind = step.at("kind").get<std::string>();
   const std::string fqn = step.at("fqn").get<std::string>();
+  const std::string version = step.at("version").get<std::string>();
+  const bool awaitsReply = step.value("awaitsReply", false);
   ++pageCalls_;
   currentStep_ = "page -> host " + id;
   transcript_.Stamped(Tone::PageToHost, "page -> host  [" + std::to_string(number) + "/" +
                                             std::to_string(count) + "] " +
                                             step.at("title").get<std::string>());
+  // What the host knows of the late service before the page announces it.
+  bool knownBefore = false;
+  int countBefore = 0;
   if (kind == "ping") {
     transcript_.Labelled(Tone::Plain, "call", "tavoHostPing()");
+  } else if (kind == "announce") {
+    transcript_.Labelled(Tone::Plain, "call",
+                         "tavoHost_WebSideServiceListUpdate('Replace', the page's service list)");
+    transcript_.Labelled(Tone::Plain, "service",
+                         ShortName(fqn) + " " + version + ", registered by the page just now");
+    knownBefore =
+        services::BaseServiceProxy(instance_.get(), fqn, version).IsTargetServiceAvailable();
+    countBefore = instance_->GetKnownWebSideServices()->GetSize();
+    transcript_.Labelled(
+        Tone::Plain, "before",
+        "the host knows " + std::to_string(countBefore) +
+            " page services; IsTargetServiceAvailable: " + (knownBefore ? "yes" : "no"));
   } else {
     transcript_.Labelled(Tone::Plain, "service",
-                         ShortName(fqn) + " " + step.at("version").get<std::string>() + ", " +
-                             kind + (kind == "method" ? " (tavoHostMethod)" : " (tavoHostEvent)"));
+                         ShortName(fqn) + " " + version + ", " + kind +
+                             (kind == "method" ? " (tavoHostMethod)" : " (tavoHostEvent)"));
     transcript_.Labelled(Tone::Plain, "payload", Shown(step.at("payload").get<std::string>()));
   }
 
+  // A step that waits for a worker's reply ends when the page has the reply
+  // and the worker's callback has returned, so that the worker's lines come
+  // before the outcome in the transcript.
+  const std::size_t repliesBefore = services_->ReplyCount();
   const std::string call = Eval("demoPage.start(" + Json(id).dump() + ")");
-  const bool settled = WaitUntil([&] { return Eval("demoPage.done(" + call + ")") == "true"; });
+  const bool settled = WaitUntil([&] {
+    return Eval("demoPage.done(" + call + ")") == "true" &&
+           (!awaitsReply || services_->ReplyCount() > repliesBefore);
+  });
   if (!settled) {
     Verdict("no answer within " + std::to_string(options_.timeout.count()) + " ms");
     return;
@@ -301,11 +337,35 @@ void DemoRun::RunPageStep(const Json& step, std::size_t number, std::size_t coun
       transcript_.Labelled(Tone::Plain, "record", outcome.at("record").get<std::string>());
     }
   }
+  std::string failure = CheckPageStep(step, outcome);
+  if (kind == "announce") {
+    const std::string announced = CheckAnnouncement(step, knownBefore, countBefore);
+    if (failure.empty()) failure = announced;
+  }
   transcript_.Labelled(Tone::Plain, "took", FormatMs(outcome.value("ms", 0.0)));
-  Verdict(CheckPageStep(id, outcome));
+  Verdict(failure);
 }
 
-std::string DemoRun::CheckPageStep(const std::string& id, const Json& outcome) {
+std::string DemoRun::CheckAnnouncement(const Json& step, bool knownBefore, int countBefore) {
+  const std::string fqn = step.at("fqn").get<std::string>();
+  const std::string version = step.at("version").get<std::string>();
+  const bool known =
+      services::BaseServiceProxy(instance_.get(), fqn, version).IsTargetServiceAvailable();
+  const int count = instance_->GetKnownWebSideServices()->GetSize();
+  transcript_.Labelled(Tone::Plain, "after",
+                       "the host knows " + std::to_string(count) +
+                           " page services; IsTargetServiceAvailable: " + (known ? "yes" : "no"));
+  if (knownBefore) return "the host knew the service before the page announced it";
+  if (!known) return "the host did not learn the service";
+  if (count != countBefore + 1) {
+    return "the host knows " + std::to_string(count) + " services, expected " +
+           std::to_string(countBefore + 1);
+  }
+  return "";
+}
+
+std::string DemoRun::CheckPageStep(const Json& step, const Json& outcome) {
+  const std::string id = step.at("id").get<std::string>();
   const bool ok = outcome.value("ok", false);
   if (id == "missing-service") {
     const std::string expected = interop::JsonSerializationHelper::GetJsonForException(
@@ -328,9 +388,15 @@ std::string DemoRun::CheckPageStep(const std::string& id, const Json& outcome) {
     if (services_->ClientStates().empty() || services_->ClientStates().back() != "busy") {
       return "the handler did not receive the state busy";
     }
-  } else if (id == "log") {
-    if (value != "OK") return "the reply is not OK";
-    if (services_->LogEntries().empty()) return "the entry did not reach the log";
+  } else if (id == "log" || id == "log-event") {
+    // A method is answered "OK"; an event has no answer.
+    if (value != (id == "log" ? "OK" : "")) return "the reply is " + Shown(value);
+    const Json entry = Json::parse(step.at("payload").get<std::string>(), nullptr, false);
+    if (!entry.is_object()) return "the step's payload is not a log entry";
+    const std::string expected = entry.value("Level", "") + ": " + entry.value("FormatMessage", "");
+    if (services_->LogEntries().empty() || services_->LogEntries().back() != expected) {
+      return "the entry " + expected + " did not reach the log";
+    }
   } else if (id == "session") {
     if (services_->Sessions().empty()) return "the handler did not receive the session";
   } else if (id == "refresh") {
@@ -354,12 +420,19 @@ std::string DemoRun::CheckPageStep(const std::string& id, const Json& outcome) {
     const Json reply = Json::parse(outcome.value("reply", "null"), nullptr, false);
     if (!reply.is_object()) return "no reply reached the page";
     if (!reply.value("Exception", Json()).is_null()) return "the reply carries an error";
+    // The worker's callback sent the reply from the worker's own thread.
+    const std::vector<HostServices::Reply> replies = services_->Replies();
+    const std::string service = id == "host-auth" ? "auth" : "soa";
+    if (replies.empty() || replies.back().service != service) {
+      return "no worker answered through the library's callback";
+    }
+    if (replies.back().onUiThread) return "the callback ran on the UI thread, not the worker's";
     if (id == "host-auth") {
       if (!reply.value("IsAuthenticated", false)) return "the reply says the login failed";
+      if (!services_->LoggedIn()) return "the host's session is not active";
     } else {
       if (reply.value("CacheId", "") != "soa-1") return "the reply's CacheId is not soa-1";
-      if (services_->SoaAnswers().empty() ||
-          outcome.value("answer", "") != services_->SoaAnswers().back()) {
+      if (outcome.value("answer", "") != replies.back().answer) {
         return "the page did not get the worker's answer";
       }
     }
@@ -371,6 +444,8 @@ std::string DemoRun::CheckPageStep(const std::string& id, const Json& outcome) {
     }
   } else if (id == "ping") {
     if (value != interop::HostManager::TheInstance()->GetVersion()) return "not the host's version";
+  } else if (id == "announce-services") {
+    if (!value.empty()) return "the reply is " + value + ", expected \"\"";
   }
   return "";
 }
@@ -388,8 +463,11 @@ void DemoRun::CallPageFromHost() {
   // offer: versions are matched exactly, so it is not available.
   services::BaseServiceProxy oldSessionProxy(instance, names::kSessionClient, "_2014_02");
   services::BaseServiceProxy failingProxy(instance, kFailingService, "_2014_07");
+  // The service that the page registered late and announced (see the page
+  // step announce-services).
+  services::BaseServiceProxy lateProxy(instance, kLateService, kLateVersion);
 
-  const std::size_t count = 8;
+  const std::size_t count = 9;
   std::size_t number = 0;
   auto header = [&](const std::string& title) {
     ++hostCalls_;
@@ -430,9 +508,9 @@ void DemoRun::CallPageFromHost() {
   header("IsTargetServiceAvailable for each proxy");
   {
     const std::vector<std::pair<const services::BaseServiceProxy*, bool>> proxies = {
-        {&sessionProxy, true},    {&refreshProxy, true},     {&openLocationProxy, true},
-        {&clientInfoProxy, true}, {&versionProxy, true},     {&versionProxy01, true},
-        {&failingProxy, true},    {&oldSessionProxy, false},
+        {&sessionProxy, true},    {&refreshProxy, true}, {&openLocationProxy, true},
+        {&clientInfoProxy, true}, {&versionProxy, true}, {&versionProxy01, true},
+        {&failingProxy, true},    {&lateProxy, true},    {&oldSessionProxy, false},
     };
     std::string failure;
     for (const auto& [proxy, expected] : proxies) {
@@ -537,7 +615,22 @@ void DemoRun::CallPageFromHost() {
                 : "the reply does not name the _2014_03 service with Result true");
   }
 
-  // 8. A page service that throws: the page answers with an exception record
+  // 8. The page service that the page announced late.
+  header("a page service announced late");
+  service(lateProxy, "method, called with InvokeWebMethod");
+  if (offered(lateProxy)) {
+    const std::string payload = "{\"Text\": \"hello from the host\"}";
+    transcript_.Labelled(Tone::Plain, "payload", payload);
+    const auto begun = std::chrono::steady_clock::now();
+    const std::string reply =
+        instance_->InvokeWebMethod(lateProxy.GetBaseServiceDescriptor(), payload);
+    transcript_.Labelled(Tone::Plain, "reply", Shown(reply));
+    took(begun);
+    const std::string expected = kLateAnswerPrefix + payload;
+    Verdict(reply == expected ? "" : "expected " + expected);
+  }
+
+  // 9. A page service that throws: the page answers with an exception record
   // and the host control instance turns it into std::runtime_error.
   header("a page service that throws");
   service(failingProxy, "method, called with InvokeWebMethod");
@@ -612,12 +705,7 @@ void DemoRun::TearDown() {
 std::string DemoRun::Eval(const std::string& script) { return control_->ExecuteScript(script); }
 
 bool DemoRun::WaitUntil(const std::function<bool()>& condition) {
-  return control_->RunUntil(
-      [&] {
-        uiThread_.RunPending();
-        return condition();
-      },
-      options_.timeout);
+  return control_->RunUntil(condition, options_.timeout);
 }
 
 void DemoRun::Verdict(const std::string& failure) {

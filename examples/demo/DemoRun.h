@@ -14,7 +14,6 @@
 #include "HostServices.h"
 #include "TracingWebControl.h"
 #include "Transcript.h"
-#include "UiThreadQueue.h"
 #include "wevlin/webcontrols/chromium/ChromiumWebControl.h"
 #include "wevlin/wevlin.h"
 
@@ -33,11 +32,14 @@ enum ExitStatus : int {
 //
 // Run registers every standard host service, opens the page, follows the
 // launch, the handshake and the login, makes the page call each host service
-// and the host call each page service (one failure each way), checks every
-// answer, saves a screenshot and prints a transcript of all of it.
+// and the host call each page service (one failure each way), lets the page
+// offer one more service late and announce its list, checks every answer,
+// saves a screenshot and prints a transcript of all of it.
 //
-// Create, run and destroy on one thread: the application's thread, which
-// drives the browser control. Run once.
+// Create, run and destroy on one thread: the application's thread (the UI
+// thread), which drives the browser control. The workers of the asynchronous
+// host services answer the page from their own threads; the run ends only
+// after every worker has finished, and before the control goes. Run once.
 class DemoRun {
  public:
   DemoRun(DemoOptions options, Transcript& transcript);
@@ -61,7 +63,11 @@ class DemoRun {
   bool LaunchAndLogIn();
   void CallHostFromPage();
   void RunPageStep(const Json& step, std::size_t number, std::size_t count);
-  std::string CheckPageStep(const std::string& id, const Json& outcome);
+  std::string CheckPageStep(const Json& step, const Json& outcome);
+  // Writes what the host knows after the page announced its list, and
+  // returns a failure unless it learnt exactly the late service (which it
+  // knew as `knownBefore`, among `countBefore` services).
+  std::string CheckAnnouncement(const Json& step, bool knownBefore, int countBefore);
   void CallPageFromHost();
   void SaveScreenshot();
   int Summarise();
@@ -71,8 +77,8 @@ class DemoRun {
   // its value.
   std::string Eval(const std::string& script);
 
-  // Delivers the browser's events and runs what the worker threads handed
-  // over, until `condition` holds or the time-out passes.
+  // Delivers the browser's events until `condition` holds or the time-out
+  // passes.
   bool WaitUntil(const std::function<bool()>& condition);
 
   // Counts one check; records `failure` when it is not empty, and writes the
@@ -91,7 +97,6 @@ class DemoRun {
   std::vector<std::string> failures_;
   std::string errorSummary_;
 
-  UiThreadQueue uiThread_;
   BackgroundWork work_;
   std::unique_ptr<HostServices> services_;
   std::unique_ptr<Com::Velmora::TAVO::Wevlin::WebControls::Chromium::ChromiumWebControl> control_;

@@ -1,7 +1,9 @@
 #include "HostServices.h"
 
 #include <chrono>
+#include <mutex>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 #include "wevlin/infrastructure/services/ServiceNames.h"
@@ -46,7 +48,9 @@ const char* YesNo(bool value) { return value ? "yes" : "no"; }
 }  // namespace
 
 // All the handlers, and what they saw. One object, so that the log
-// forwarding function (a plain function pointer) can reach it too.
+// forwarding function (a plain function pointer) can reach it too. The
+// handlers run on the UI thread; the workers touch only sessionInfo_ and
+// replies_, under mutex_, and the transcript, which has a lock of its own.
 class HostServices::Handlers final : public core02::IHandleHostConfigurationSvc,
                                      public core07::IHandleClientStatusSvc,
                                      public session07::IHandleSessionSvc,
@@ -79,8 +83,11 @@ class HostServices::Handlers final : public core02::IHandleHostConfigurationSvc,
     Transcript& transcript_;
   };
 
-  Handlers(Transcript& transcript, UiThreadQueue& uiThread, BackgroundWork& work)
-      : transcript_(transcript), uiThread_(uiThread), work_(work), configuration07(transcript) {
+  Handlers(Transcript& transcript, BackgroundWork& work)
+      : transcript_(transcript),
+        work_(work),
+        uiThread_(std::this_thread::get_id()),
+        configuration07(transcript) {
     configuration02.AllowGoHome = "true";
     configuration02.AllowThemeChange = "false";
     configuration02.AllowUserSessionChange = "true";
@@ -88,7 +95,7 @@ class HostServices::Handlers final : public core02::IHandleHostConfigurationSvc,
     configuration02.HostType = "wevlin demo";
     configuration02.ShowVelmoraLogo = "false";
     configuration02.Theme = "dark";
-    sessionInfo.IsSessionActive = false;
+    sessionInfo_.IsSessionActive = false;
     current_ = this;
   }
 
@@ -129,19 +136,26 @@ class HostServices::Handlers final : public core02::IHandleHostConfigurationSvc,
     refreshes.push_back(refresh.ToJsonString());
   }
 
+  // Answers with a copy of the session, taken under the lock: the library
+  // reads the answer after the handler returns, while a worker may be
+  // signing in.
   const soa02::HostSessionInfoResponseMsg& GetHostSessionInfo(
       interop::IHostControlInstance*, interop::IHostServiceDescriptor*) override {
+    {
+      std::lock_guard<std::mutex> lock(mutex_);
+      sessionInfoAnswer_ = sessionInfo_;
+    }
     transcript_.Labelled(
         Tone::Host, "host",
         std::string("GetHostSessionInfo asked; session active: ") +
-            YesNo(sessionInfo.IsSessionActive) +
-            (sessionInfo.UserName.empty() ? "" : ", user " + sessionInfo.UserName));
-    return sessionInfo;
+            YesNo(sessionInfoAnswer_.IsSessionActive) +
+            (sessionInfoAnswer_.UserName.empty() ? "" : ", user " + sessionInfoAnswer_.UserName));
+    return sessionInfoAnswer_;
   }
 
   // An SOA request: the handler returns at once; a worker thread "asks the
-  // server" and hands the answer to the application's thread, which calls
-  // the library's callback.
+  // server" and calls the library's callback itself, which sends the answer
+  // to the page from the worker's thread.
   void OnSoaJsonRequest(std::string serviceName, std::string operationName, std::string message,
                         void* context, soa02::SoaResponseCallback callback) override {
     transcript_.Labelled(Tone::Host, "host",
@@ -160,21 +174,16 @@ class HostServices::Handlers final : public core02::IHandleHostConfigurationSvc,
       } else {
         error = interop::ExceptionInfo(std::invalid_argument("The request is not a JSON object"));
       }
-      transcript_.Labelled(
-          Tone::Worker, "worker",
-          "#" + std::to_string(worker) + " answered after " + FormatMs(MsSince(asked)) + ": " +
-              (error.HasError() ? error.message : answerText) + "; handing it to the UI thread");
-      uiThread_.Post([this, context, callback, answerText, error] {
-        transcript_.Labelled(Tone::Host, "host",
-                             "the UI thread calls back; the library sends the reply to the page");
-        soaAnswers.push_back(answerText);
-        callback(context, answerText, error);
-      });
+      transcript_.Labelled(Tone::Worker, "worker",
+                           "#" + std::to_string(worker) + " answered after " +
+                               FormatMs(MsSince(asked)) + ": " +
+                               (error.HasError() ? error.message : answerText));
+      CallBack(worker, "soa", answerText, [&] { callback(context, answerText, error); });
     });
   }
 
   // A login request: the handler returns at once; a worker thread "shows the
-  // login" and hands the outcome to the application's thread.
+  // login", records the session and calls the library's callback itself.
   void OnRequestHostAuth(void* context, soa02::RequestHostAuthCallback callback) override {
     transcript_.Labelled(Tone::Host, "host",
                          "OnRequestHostAuth: a worker signs " + std::string(kUserName) + " in, " +
@@ -182,19 +191,36 @@ class HostServices::Handlers final : public core02::IHandleHostConfigurationSvc,
     const auto asked = std::chrono::steady_clock::now();
     work_.Start(
         std::chrono::milliseconds(kLoginDelayMs), [this, context, callback, asked](int worker) {
+          {
+            std::lock_guard<std::mutex> lock(mutex_);
+            sessionInfo_.IsSessionActive = true;
+            sessionInfo_.UserName = kUserName;
+          }
           transcript_.Labelled(Tone::Worker, "worker",
                                "#" + std::to_string(worker) + " signed " + std::string(kUserName) +
-                                   " in after " + FormatMs(MsSince(asked)) +
-                                   "; handing it to the UI thread");
-          uiThread_.Post([this, context, callback] {
-            sessionInfo.IsSessionActive = true;
-            sessionInfo.UserName = kUserName;
-            transcript_.Labelled(Tone::Host, "host",
-                                 "the UI thread calls back (authenticated); the library sends the "
-                                 "reply to the page");
-            callback(context, true, interop::ExceptionInfo());
-          });
+                                   " in after " + FormatMs(MsSince(asked)));
+          CallBack(worker, "auth", "", [&] { callback(context, true, interop::ExceptionInfo()); });
         });
+  }
+
+  // Runs `call` (the library's callback) on the worker's own thread, says in
+  // the transcript which thread that is, and records the reply once the
+  // callback has returned, when the page has it.
+  template <typename Call>
+  void CallBack(int worker, const std::string& service, const std::string& answer, Call call) {
+    const bool onUiThread = std::this_thread::get_id() == uiThread_;
+    const std::string number = "#" + std::to_string(worker);
+    transcript_.Labelled(Tone::Worker, "worker",
+                         number + " calls the library's callback on " +
+                             (onUiThread ? "the UI thread" : "its own thread, not the UI thread"));
+    const auto begun = std::chrono::steady_clock::now();
+    call();
+    transcript_.Labelled(Tone::Worker, "worker",
+                         number + " the callback returned after " + FormatMs(MsSince(begun)) +
+                             ": the reply was sent to the page from " +
+                             (onUiThread ? "the UI thread" : "worker thread " + number));
+    std::lock_guard<std::mutex> lock(mutex_);
+    replies_.push_back({service, answer, onUiThread});
   }
 
   // The log forwarding service calls a plain function.
@@ -211,26 +237,31 @@ class HostServices::Handlers final : public core02::IHandleHostConfigurationSvc,
   }
 
   Transcript& transcript_;
-  UiThreadQueue& uiThread_;
   BackgroundWork& work_;
+  const std::thread::id uiThread_;
 
   core02::HostConfigurationResponseMsg configuration02;
   Configuration2014_07 configuration07;
-  soa02::HostSessionInfoResponseMsg sessionInfo;
 
   std::vector<std::string> clientStates;
   std::vector<std::string> logEntries;
   std::vector<std::string> sessions;
   std::vector<std::string> refreshes;
-  std::vector<std::string> soaAnswers;
+
+  mutable std::mutex mutex_;
+  // Guarded by mutex_: the session a login signs in, and the workers' replies.
+  soa02::HostSessionInfoResponseMsg sessionInfo_;
+  std::vector<Reply> replies_;
+  // The copy of sessionInfo_ that GetHostSessionInfo answered (UI thread).
+  soa02::HostSessionInfoResponseMsg sessionInfoAnswer_;
 
   static Handlers* current_;
 };
 
 HostServices::Handlers* HostServices::Handlers::current_ = nullptr;
 
-HostServices::HostServices(Transcript& transcript, UiThreadQueue& uiThread, BackgroundWork& work)
-    : handlers_(std::make_unique<Handlers>(transcript, uiThread, work)) {}
+HostServices::HostServices(Transcript& transcript, BackgroundWork& work)
+    : handlers_(std::make_unique<Handlers>(transcript, work)) {}
 
 HostServices::~HostServices() = default;
 
@@ -275,8 +306,19 @@ const std::vector<std::string>& HostServices::Sessions() const { return handlers
 
 const std::vector<std::string>& HostServices::Refreshes() const { return handlers_->refreshes; }
 
-const std::vector<std::string>& HostServices::SoaAnswers() const { return handlers_->soaAnswers; }
+std::vector<HostServices::Reply> HostServices::Replies() const {
+  std::lock_guard<std::mutex> lock(handlers_->mutex_);
+  return handlers_->replies_;
+}
 
-bool HostServices::LoggedIn() const { return handlers_->sessionInfo.IsSessionActive; }
+std::size_t HostServices::ReplyCount() const {
+  std::lock_guard<std::mutex> lock(handlers_->mutex_);
+  return handlers_->replies_.size();
+}
+
+bool HostServices::LoggedIn() const {
+  std::lock_guard<std::mutex> lock(handlers_->mutex_);
+  return handlers_->sessionInfo_.IsSessionActive;
+}
 
 }  // namespace wevlin_demo

@@ -1,13 +1,13 @@
 #ifndef WEVLIN_EXAMPLES_DEMO_HOSTSERVICES_H_
 #define WEVLIN_EXAMPLES_DEMO_HOSTSERVICES_H_
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "BackgroundWork.h"
 #include "Transcript.h"
-#include "UiThreadQueue.h"
 #include "wevlin/wevlin.h"
 
 namespace wevlin_demo {
@@ -17,16 +17,16 @@ namespace wevlin_demo {
 // answered, and keeping it for the demo's checks.
 //
 // The two asynchronous services (SOA requests and host logins) answer as a
-// real application would: the handler returns at once, a worker thread does
-// the slow part, and the answer goes back through the library's callback on
-// the application's thread (posted to the UiThreadQueue), because the
-// callback calls into the page and the browser control belongs to that
-// thread.
+// real application would: the handler returns at once, and a worker thread
+// does the slow part and then calls the library's callback itself. The
+// callback sends the answer to the page from that thread, which the library
+// and the browser control allow; the transcript says on which thread it ran.
 //
 // Owns its handlers; the services made by RegisterAll belong to the host
 // manager and keep pointers to them, so this object must outlive every call
-// of the page. Everything but the worker threads runs on the application's
-// thread.
+// of the page and every worker. Create it on the application's thread (the
+// UI thread); the handlers run there, the workers' answers on their own
+// threads. What the workers touch is guarded by a lock.
 class HostServices {
  public:
   // The user name that a host login signs in.
@@ -36,7 +36,17 @@ class HostServices {
   static constexpr int kSoaDelayMs = 120;
   static constexpr int kLoginDelayMs = 80;
 
-  HostServices(Transcript& transcript, UiThreadQueue& uiThread, BackgroundWork& work);
+  // One answer that a worker gave through the library's callback.
+  struct Reply {
+    // "soa" for an SOA request, "auth" for a host login.
+    std::string service;
+    // The SOA answer text ("" for a login).
+    std::string answer;
+    // Whether the callback ran on the UI thread (it should not).
+    bool onUiThread = false;
+  };
+
+  HostServices(Transcript& transcript, BackgroundWork& work);
   HostServices(const HostServices&) = delete;
   HostServices& operator=(const HostServices&) = delete;
   ~HostServices();
@@ -54,9 +64,12 @@ class HostServices {
   const std::vector<std::string>& LogEntries() const;
   const std::vector<std::string>& Sessions() const;
   const std::vector<std::string>& Refreshes() const;
-  // The answers the SOA worker gave, in order.
-  const std::vector<std::string>& SoaAnswers() const;
-  // Whether a host login has completed.
+  // The answers the workers gave, in order, each recorded once its callback
+  // has returned. Any thread.
+  std::vector<Reply> Replies() const;
+  // Returns Replies().size(). Any thread.
+  std::size_t ReplyCount() const;
+  // Whether a host login has completed. Any thread.
   bool LoggedIn() const;
 
  private:

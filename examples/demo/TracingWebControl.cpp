@@ -30,14 +30,14 @@ std::string TracingWebControl::ExecuteScript(std::string script) {
     std::string answer = inner_.ExecuteScript(std::move(script));
     const double ms =
         std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begun).count();
-    transcript_.Labelled(Tone::Script, "script", shown);
-    transcript_.Labelled(
-        Tone::Script, "",
-        "-> " + Shorten(Quoted(answer), kLongestLine) + "  (" + FormatMs(ms) + ")");
+    transcript_.LabelledLines(
+        {{Tone::Script, "script", shown},
+         {Tone::Script, "",
+          "-> " + Shorten(Quoted(answer), kLongestLine) + "  (" + FormatMs(ms) + ")"}});
     return answer;
   } catch (const IWebControl::ScriptException& failure) {
-    transcript_.Labelled(Tone::Script, "script", shown);
-    transcript_.Labelled(Tone::Failed, "", "-> the script failed: " + failure.message);
+    transcript_.LabelledLines({{Tone::Script, "script", shown},
+                               {Tone::Failed, "", "-> the script failed: " + failure.message}});
     throw;
   }
 }

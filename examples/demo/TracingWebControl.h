@@ -15,7 +15,10 @@ namespace wevlin_demo {
 // service lists, and every call into the page as the script line it becomes.
 //
 // Owns neither the inner control nor the transcript; both must outlive it.
-// Called on the application's thread, like the inner control.
+// Called on the application's thread, like the inner control, except that
+// ExecuteScript may also be called from other threads when the inner control
+// allows it (the demo's workers answer the page that way). Each script line
+// is written together with its answer, never split by another thread's lines.
 class TracingWebControl : public Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::IWebControl {
  public:
   TracingWebControl(IWebControl& inner, Transcript& transcript);

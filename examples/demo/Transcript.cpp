@@ -48,20 +48,26 @@ void Transcript::Heading(const std::string& title) {
 }
 
 void Transcript::Stamped(Tone tone, const std::string& text) {
+  // The time is taken under the lock, so that the stamps of lines that two
+  // threads write never go backwards.
+  std::lock_guard<std::mutex> lock(mutex_);
   char stamp[32];
   std::snprintf(stamp, sizeof stamp, "[%6.0f ms] ", ElapsedMs());
-  std::lock_guard<std::mutex> lock(mutex_);
   WriteLine(tone, stamp + text);
 }
 
 void Transcript::Labelled(Tone tone, const std::string& label, const std::string& text) {
-  std::string line(kStampWidth, ' ');
-  line += label;
-  if (label.size() < kLabelWidth) line.append(kLabelWidth - label.size(), ' ');
-  line += ' ';
-  line += text;
+  const std::string line = LabelledText(label, text);
   std::lock_guard<std::mutex> lock(mutex_);
   WriteLine(tone, line);
+}
+
+void Transcript::LabelledLines(const std::vector<Line>& lines) {
+  std::vector<std::string> texts;
+  texts.reserve(lines.size());
+  for (const Line& line : lines) texts.push_back(LabelledText(line.label, line.text));
+  std::lock_guard<std::mutex> lock(mutex_);
+  for (std::size_t i = 0; i < lines.size(); ++i) WriteLine(lines[i].tone, texts[i]);
 }
 
 void Transcript::Raw(Tone tone, const std::string& text) {
@@ -84,6 +90,15 @@ void Transcript::WriteLine(Tone tone, const std::string& text) {
     out_ << text << '\n';
   }
   out_.flush();
+}
+
+std::string Transcript::LabelledText(const std::string& label, const std::string& text) {
+  std::string line(kStampWidth, ' ');
+  line += label;
+  if (label.size() < kLabelWidth) line.append(kLabelWidth - label.size(), ' ');
+  line += ' ';
+  line += text;
+  return line;
 }
 
 std::string FormatMs(double ms) {

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace wevlin_demo {
 
@@ -31,9 +32,17 @@ enum class Tone {
 // demo does when its standard output is a terminal.
 //
 // Thread-safe: the service handlers' worker threads write to it while the
-// application's thread does. Each call writes whole lines.
+// application's thread does. Each call writes whole lines, and the lines of
+// one call are never split by those of another thread.
 class Transcript {
  public:
+  // One line of a block written with LabelledLines.
+  struct Line {
+    Tone tone;
+    std::string label;
+    std::string text;
+  };
+
   Transcript(std::ostream& out, bool colour);
 
   Transcript(const Transcript&) = delete;
@@ -49,6 +58,10 @@ class Transcript {
   // column of its own.
   void Labelled(Tone tone, const std::string& label, const std::string& text);
 
+  // Writes each of `lines` as Labelled does, all together: no line of
+  // another thread comes between them.
+  void LabelledLines(const std::vector<Line>& lines);
+
   // Writes `text` as it is, in `tone`, followed by a line end.
   void Raw(Tone tone, const std::string& text);
 
@@ -60,6 +73,7 @@ class Transcript {
 
  private:
   void WriteLine(Tone tone, const std::string& text);
+  static std::string LabelledText(const std::string& label, const std::string& text);
 
   std::ostream& out_;
   const bool colour_;

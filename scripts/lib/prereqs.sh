@@ -1,16 +1,22 @@
 # Shared by the scripts in this folder: installs Debian packages that are
 # missing, once per script run. Sourced, not run.
 
+# missing_packages PKG...: prints, one per line, every PKG that dpkg does not
+# report as installed.
+missing_packages() {
+  local pkg
+  for pkg in "$@"; do
+    if [ "$(dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null || true)" != "install ok installed" ]; then
+      echo "$pkg"
+    fi
+  done
+}
+
 # ensure_packages PKG...: installs with apt-get every PKG that dpkg does not
 # report as installed. Runs `apt-get update` first, as a fresh machine needs.
 ensure_packages() {
   local missing=()
-  local pkg
-  for pkg in "$@"; do
-    if [ "$(dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null || true)" != "install ok installed" ]; then
-      missing+=("$pkg")
-    fi
-  done
+  mapfile -t missing < <(missing_packages "$@")
   if [ "${#missing[@]}" -eq 0 ]; then
     return 0
   fi

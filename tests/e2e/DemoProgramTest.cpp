@@ -1,28 +1,54 @@
 // The demo program (examples/demo, the README's main job), run as a user
-// runs it: its exit status, its transcript and its screenshot.
+// runs it: its exit status, its transcript and its screenshot, with its
+// standard output on a pipe and on a terminal, and what it leaves behind
+// (nothing: no browser process, no browser profile).
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <sstream>
+#include <stdexcept>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "support/PageFiles.h"
+#include "support/ProcessScan.h"
 #include "support/ProgramRun.h"
+
+extern char** environ;
 
 namespace {
 
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
+using wevlin_e2e::ProcessScan;
 using wevlin_e2e::ProgramRun;
 
 const std::string kDemo = WEVLIN_DEMO_PROGRAM;
+
+// The name that the browser control gives each browser profile it makes in
+// the temporary directory ($TMPDIR, else /tmp), followed by six characters.
+constexpr char kProfilePrefix[] = "wevlin-chromium-";
 
 std::vector<unsigned char> ReadBytes(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
@@ -71,6 +97,138 @@ void ExpectPng(const std::string& path, std::uint32_t width, std::uint32_t heigh
   EXPECT_EQ(BigEndian32(png, end + 8), Crc32(png, end + 4, 4)) << "IEND CRC";
 }
 
+std::string ReadText(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// Returns the part of `out` from the line that contains `header` to the next
+// stamped line ("[  1234 ms] ...") or section heading: one step of the demo.
+// Empty when no line contains `header`.
+std::string StepOf(const std::string& out, const std::string& header) {
+  const std::size_t at = out.find(header);
+  if (at == std::string::npos) return "";
+  const std::size_t end = std::min(out.find("\n[", at), out.find("\n\n", at));
+  return out.substr(at, end == std::string::npos ? std::string::npos : end - at + 1);
+}
+
+// Checks that `texts` occur in `step` in this order, and that the step ends
+// with the demo's verdict "ok".
+void ExpectStep(const std::string& step, const std::vector<std::string>& texts) {
+  std::size_t at = 0;
+  for (const std::string& text : texts) {
+    const std::size_t found = step.find(text, at);
+    ASSERT_NE(found, std::string::npos) << text << " missing or out of order in\n" << step;
+    at = found + text.size();
+  }
+  EXPECT_THAT(step, ::testing::EndsWith("\n                      ok\n")) << step;
+}
+
+// The test's environment with `additions` put in, each replacing a variable
+// of the same name.
+std::vector<std::string> MergedEnvironment(const std::vector<std::string>& additions) {
+  std::vector<std::string> merged;
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    const std::string variable(*entry);
+    const std::string name = variable.substr(0, variable.find('='));
+    bool replaced = false;
+    for (const std::string& addition : additions) {
+      if (addition.substr(0, addition.find('=')) == name) replaced = true;
+    }
+    if (!replaced) merged.push_back(variable);
+  }
+  merged.insert(merged.end(), additions.begin(), additions.end());
+  return merged;
+}
+
+// Runs `program` as ProgramRun::Start does, but with its standard output on
+// a pseudo-terminal, whose other end the test reads (standardOutput, with
+// the terminal's "\r\n" line ends turned back into "\n"); standard error
+// goes to the file `errorPath`. Gives up and kills the program after
+// `limit`. Throws std::runtime_error when there is no terminal or the program
+// cannot be started.
+ProgramRun StartOnTerminal(const std::string& program, const std::vector<std::string>& arguments,
+                           const std::vector<std::string>& environment,
+                           const std::string& errorPath, std::chrono::seconds limit) {
+  int terminal = -1;
+  int programSide = -1;
+  if (openpty(&terminal, &programSide, nullptr, nullptr, nullptr) != 0) {
+    throw std::runtime_error("openpty failed: " + std::string(std::strerror(errno)));
+  }
+  ::fcntl(terminal, F_SETFD, FD_CLOEXEC);
+
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  posix_spawn_file_actions_adddup2(&actions, programSide, STDOUT_FILENO);
+  posix_spawn_file_actions_addclose(&actions, programSide);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errorPath.c_str(),
+                                   O_WRONLY | O_CREAT | O_TRUNC, 0600);
+
+  std::vector<std::string> argumentTexts = {program};
+  argumentTexts.insert(argumentTexts.end(), arguments.begin(), arguments.end());
+  std::vector<char*> argv;
+  for (std::string& text : argumentTexts) argv.push_back(text.data());
+  argv.push_back(nullptr);
+  std::vector<std::string> environmentTexts = MergedEnvironment(environment);
+  std::vector<char*> envp;
+  for (std::string& text : environmentTexts) envp.push_back(text.data());
+  envp.push_back(nullptr);
+
+  pid_t pid = 0;
+  const int failed =
+      posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), envp.data());
+  posix_spawn_file_actions_destroy(&actions);
+  ::close(programSide);
+  if (failed != 0) {
+    ::close(terminal);
+    throw std::runtime_error("cannot start " + program + ": " + std::strerror(failed));
+  }
+
+  // Reads until the program's side is closed (read fails with EIO), which
+  // happens when the program and everything that inherited its output end.
+  std::string output;
+  const auto deadline = std::chrono::steady_clock::now() + limit;
+  for (;;) {
+    if (std::chrono::steady_clock::now() > deadline) {
+      ::kill(pid, SIGKILL);
+      ADD_FAILURE() << program << " did not end within " << limit.count() << " s";
+      break;
+    }
+    pollfd ready = {terminal, POLLIN, 0};
+    if (::poll(&ready, 1, 100) <= 0) continue;
+    char buffer[4096];
+    const ssize_t count = ::read(terminal, buffer, sizeof buffer);
+    if (count > 0) {
+      output.append(buffer, static_cast<std::size_t>(count));
+    } else if (count == 0 || errno != EINTR) {
+      break;
+    }
+  }
+  ::close(terminal);
+
+  int status = 0;
+  while (::waitpid(pid, &status, 0) < 0) {
+    if (errno != EINTR)
+      throw std::runtime_error("waitpid failed: " + std::string(std::strerror(errno)));
+  }
+  ProgramRun run;
+  if (WIFEXITED(status)) {
+    run.exitStatus = WEXITSTATUS(status);
+  } else if (WIFSIGNALED(status)) {
+    run.exitStatus = 128 + WTERMSIG(status);
+  }
+  for (std::size_t at = output.find("\r\n"); at != std::string::npos;
+       at = output.find("\r\n", at)) {
+    output.erase(at, 1);
+  }
+  run.standardOutput = std::move(output);
+  run.standardError = ReadText(errorPath);
+  return run;
+}
+
 class DemoProgramTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -79,16 +237,86 @@ class DemoProgramTest : public ::testing::Test {
                   std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
     std::filesystem::remove_all(directory_);
     std::filesystem::create_directories(directory_);
+    // The browser makes its sockets in a directory of the temporary
+    // directory, and a socket's path may not be longer than 107 bytes, so
+    // the name is kept short.
+    std::string pattern = (std::filesystem::temp_directory_path() / "wevlin-demo-XXXXXX").string();
+    ASSERT_NE(mkdtemp(pattern.data()), nullptr) << std::strerror(errno);
+    temporary_ = pattern;
   }
 
-  void TearDown() override { std::filesystem::remove_all(directory_); }
+  void TearDown() override {
+    std::filesystem::remove_all(directory_);
+    if (!temporary_.empty()) std::filesystem::remove_all(temporary_);
+  }
+
+  // Runs the demo with `arguments` and `environment`, its temporary directory
+  // (where the browser control makes the browser's profile) a fresh one of
+  // its own, and checks what the run left behind.
+  ProgramRun RunDemo(const std::vector<std::string>& arguments,
+                     std::vector<std::string> environment = {}) {
+    environment.push_back("TMPDIR=" + temporary_.string());
+    const ProgramRun run = ProgramRun::Start(kDemo, arguments, environment);
+    ExpectNothingLeftBehind(run.standardOutput);
+    return run;
+  }
+
+  // The same with the demo's standard output on a terminal.
+  ProgramRun RunDemoOnTerminal(const std::vector<std::string>& arguments) {
+    const ProgramRun run =
+        StartOnTerminal(kDemo, arguments, {"TMPDIR=" + temporary_.string()},
+                        (directory_ / "stderr").string(), std::chrono::seconds(120));
+    ExpectNothingLeftBehind(run.standardOutput);
+    return run;
+  }
+
+  // Checks that the run whose transcript is `out` left no browser process and
+  // nothing in its temporary directory. When the browser started, the
+  // transcript names its process (which leads its own process group) and its
+  // profile, which must have been made in that directory: the browser's
+  // command line names the profile (--user-data-dir), so a process that
+  // still mentions it, or is in the browser's group, was left behind. A
+  // process killed at the very end may take a moment to go, so the scan is
+  // repeated for up to five seconds.
+  void ExpectNothingLeftBehind(const std::string& out) {
+    std::smatch match;
+    std::int64_t browser = -1;
+    if (std::regex_search(out, match, std::regex("headless Chromium started, process ([0-9]+)"))) {
+      browser = std::stoll(match[1].str());
+    }
+    std::string profile = (temporary_ / kProfilePrefix).string();
+    if (std::regex_search(out, match, std::regex("profile +(\\S+) \\(removed"))) {
+      profile = match[1].str();
+      EXPECT_EQ(profile.rfind((temporary_ / kProfilePrefix).string(), 0), 0u)
+          << "the profile " << profile << " is not in the demo's temporary directory "
+          << temporary_;
+      EXPECT_EQ(profile.size(), (temporary_ / kProfilePrefix).string().size() + 6) << profile;
+    } else {
+      EXPECT_EQ(browser, -1) << "the transcript names the browser but not its profile";
+    }
+
+    std::vector<long> left = ProcessScan::Running(browser, profile);
+    for (int i = 0; i < 50 && !left.empty(); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      left = ProcessScan::Running(browser, profile);
+    }
+    EXPECT_THAT(left, IsEmpty()) << "processes of the browser " << browser << " or of " << profile
+                                 << " still run";
+
+    std::vector<std::string> entries;
+    for (const auto& entry : std::filesystem::directory_iterator(temporary_)) {
+      entries.push_back(entry.path().filename().string());
+    }
+    EXPECT_THAT(entries, IsEmpty()) << "left in the demo's temporary directory " << temporary_;
+  }
 
   std::filesystem::path directory_;
+  std::filesystem::path temporary_;
 };
 
 TEST_F(DemoProgramTest, WalksThroughEveryCallAndSavesTheScreenshot) {
   const std::string picture = (directory_ / "shots" / "demo.png").string();
-  const ProgramRun run = ProgramRun::Start(kDemo, {"--screenshot", picture});
+  const ProgramRun run = RunDemo({"--screenshot", picture});
   const std::string& out = run.standardOutput;
   ASSERT_EQ(run.exitStatus, 0) << out << run.standardError;
   EXPECT_THAT(run.standardError, IsEmpty());
@@ -107,66 +335,128 @@ TEST_F(DemoProgramTest, WalksThroughEveryCallAndSavesTheScreenshot) {
   EXPECT_THAT(out, HasSubstr("script    tavoInterop_HostServiceListUpdate('Add','[{\"FQN\": "));
   EXPECT_THAT(out, HasSubstr("script    tavoInterop_RequestWebServiceList();"));
   EXPECT_THAT(out, HasSubstr("page version  \"demo-page 1.0\""));
+  EXPECT_THAT(out, HasSubstr("the page announced 9 services:"));
 
-  // Every call of the page into the host, with what the host's handlers did.
-  for (const char* call : {
-           "service   core.HostConfiguration.host _2014_02, method",
-           "service   core.HostConfiguration.host _2014_07, method",
-           "service   core.ClientStatus.host _2014_07, event",
-           "service   LoggerForward.host _2014_02, method",
-           "service   session.Session.host _2014_07, event",
-           "service   refresh.Refresh.host _2014_07, event",
-           "service   version.TestVersionSvc _2014_02, method",
-           "service   version.TestVersionSvc _2014_03, method",
-           "service   soa.AsyncSoaJsonMessage.host _2014_02, event",
-           "service   soa.RequestHostAuth.host _2014_02, event",
-           "service   soa.HostSessionInfo.host _2014_02, method",
-           "call      tavoHostPing()",
-           "service   tavo.demo.Missing.host _2014_07, method",
-           "host      GetHostConfiguration (_2014_02) asked",
-           "host      GetHostConfiguration (_2014_07) asked",
-           "host      OnClientStatus: the page is busy",
-           "host      log entry [Info] The demo page is up and talking",
-           "host      OnSession: session objects 1 demo-db/user-42 (User)",
-           "host      OnRefresh: created 1 demo-db/note-7 (Note)",
-           "host      OnSoaJsonRequest: Inventory.CountItems",
-           "worker    #1 answered after",
-           "answer    {\"Category\": \"Tea\", \"Count\": 42, \"Warehouse\": \"North\"}",
-           "host      OnRequestHostAuth: a worker signs demo.user in",
-           "worker    #2 signed demo.user in after",
-           "\"IsAuthenticated\": true",
-           "host      GetHostSessionInfo asked; session active: yes, user demo.user",
-           "reply     0.9",
-       }) {
-    EXPECT_THAT(out, HasSubstr(call));
-  }
-  EXPECT_THAT(out, HasSubstr("record    {\"Exception\": {\"name\": \"std::invalid_argument\", "
-                             "\"message\": \"No matching service descriptor found for: "
-                             "tavo.demo.Missing.host ver: _2014_07\"}}"));
+  // Every call of the page into the host, in order, each with what the host's
+  // handlers did and the demo's verdict.
+  ExpectStep(StepOf(out, "page -> host  [1/15] host configuration (fixed keys)"),
+             {"service   core.HostConfiguration.host _2014_02, method (tavoHostMethod)",
+              "host      GetHostConfiguration (_2014_02) asked", "reply     {\"Version\": "});
+  ExpectStep(StepOf(out, "page -> host  [2/15] host configuration (settings list)"),
+             {"service   core.HostConfiguration.host _2014_07, method (tavoHostMethod)",
+              "host      GetHostConfiguration (_2014_07) asked; answering 3 settings",
+              "reply     {\"Version\": \"_2014_07\", \"Settings\": "});
+  ExpectStep(StepOf(out, "page -> host  [3/15] client status"),
+             {"service   core.ClientStatus.host _2014_07, event (tavoHostEvent)",
+              "host      OnClientStatus: the page is busy"});
+  ExpectStep(StepOf(out, "page -> host  [4/15] log forwarding"),
+             {"service   LoggerForward.host _2014_02, method (tavoHostMethod)",
+              "host      log entry [Info] The demo page is up and talking", "reply     OK"});
+  ExpectStep(StepOf(out, "page -> host  [5/15] log forwarding, raised as an event"),
+             {"service   LoggerForward.host _2014_02, event (tavoHostEvent)",
+              "host      log entry [Warning] The demo page raised this entry as an event",
+              "reply     \"\" (an event has no reply)"});
+  ExpectStep(StepOf(out, "page -> host  [6/15] session"),
+             {"service   session.Session.host _2014_07, event (tavoHostEvent)",
+              "host      OnSession: session objects 1 demo-db/user-42 (User)"});
+  ExpectStep(StepOf(out, "page -> host  [7/15] refresh"),
+             {"service   refresh.Refresh.host _2014_07, event (tavoHostEvent)",
+              "host      OnRefresh: created 1 demo-db/note-7 (Note)"});
+  ExpectStep(StepOf(out, "page -> host  [8/15] version test, first version"),
+             {"service   version.TestVersionSvc _2014_02, method (tavoHostMethod)",
+              "\"ServiceVersion\": \"_2014_02\""});
+  ExpectStep(StepOf(out, "page -> host  [9/15] version test, second version"),
+             {"service   version.TestVersionSvc _2014_03, method (tavoHostMethod)",
+              "\"ServiceVersion\": \"_2014_03\", \"Result\": true"});
+  // The two asynchronous services: a worker answers after a delay and calls
+  // the library's callback on its own thread, which sends the reply into the
+  // page from there; the page's reply service then has it.
+  ExpectStep(StepOf(out, "page -> host  [10/15] asynchronous SOA request"),
+             {"service   soa.AsyncSoaJsonMessage.host _2014_02, event (tavoHostEvent)",
+              "host      OnSoaJsonRequest: Inventory.CountItems", "worker    #1 answered after",
+              "worker    #1 calls the library's callback on its own thread, not the UI thread",
+              "script    tavoInterop_WebEvent('{\"FQN\": "
+              "\"tavo.wevlin.infrastructure.services.soa.SoaJsonRequest.client\"",
+              "worker    #1 the callback returned after",
+              "the reply was sent to the page from worker thread #1", "async     after",
+              "\"CacheId\": \"soa-1\"",
+              "answer    {\"Category\": \"Tea\", \"Count\": 42, \"Warehouse\": \"North\"}"});
+  ExpectStep(StepOf(out, "page -> host  [11/15] host login request"),
+             {"service   soa.RequestHostAuth.host _2014_02, event (tavoHostEvent)",
+              "host      OnRequestHostAuth: a worker signs demo.user in",
+              "worker    #2 signed demo.user in after",
+              "worker    #2 calls the library's callback on its own thread, not the UI thread",
+              "script    tavoInterop_WebEvent('{\"FQN\": "
+              "\"tavo.wevlin.infrastructure.services.soa.RequestHostAuthReply.client\"",
+              "worker    #2 the callback returned after",
+              "the reply was sent to the page from worker thread #2", "async     after",
+              "\"IsAuthenticated\": true"});
+  EXPECT_THAT(out, Not(HasSubstr("callback on the UI thread")));
+  EXPECT_THAT(out, Not(HasSubstr("sent to the page from the UI thread")));
+  ExpectStep(StepOf(out, "page -> host  [12/15] host session information"),
+             {"service   soa.HostSessionInfo.host _2014_02, method (tavoHostMethod)",
+              "host      GetHostSessionInfo asked; session active: yes, user demo.user",
+              "\"IsSessionActive\": true, \"UserName\": \"demo.user\""});
+  ExpectStep(StepOf(out, "page -> host  [13/15] ping"),
+             {"call      tavoHostPing()", "reply     0.9"});
+  // The page registers a service late and announces its list; the host's
+  // instance learns the service from it.
+  ExpectStep(
+      StepOf(out, "page -> host  [14/15] the page offers one more service and announces its list"),
+      {"call      tavoHost_WebSideServiceListUpdate('Replace', the page's service list)",
+       "service   tavo.demo.Echo.client _2014_07, registered by the page just now",
+       "before    the host knows 9 page services; IsTargetServiceAvailable: no", "reply     \"\"",
+       "after     the host knows 10 page services; IsTargetServiceAvailable: yes"});
+  ExpectStep(StepOf(out, "page -> host  [15/15] a host service that does not exist"),
+             {"service   tavo.demo.Missing.host _2014_07, method (tavoHostMethod)",
+              "record    {\"Exception\": {\"name\": \"std::invalid_argument\", "
+              "\"message\": \"No matching service descriptor found for: "
+              "tavo.demo.Missing.host ver: _2014_07\"}}"});
 
-  // Every call of the host into the page.
-  for (const char* call : {
-           "IsTargetServiceAvailable for each proxy",
-           "no        session.Session.client _2014_02",
-           "SessionProxy::UpdateSession",
-           "RefreshProxy::SendRefresh",
-           "OpenLocationProxy::openLocation",
-           "ClientInfoProxy::GetClientInfo",
-           "reply     page = wevlin demo page",
-           "TestVersionProxy::GetClientServiceVersion",
-           "TestVersionProxy01::GetClientServiceVersion",
-           "\"ServiceVersion\": \"_2014_03\", \"Result\": true",
-           "script    tavoInterop_WebEvent('{\"FQN\": "
-           "\"tavo.wevlin.infrastructure.services.session.Session.client\"",
-           "threw     std::runtime_error \"RangeError The demo page refuses this call on purpose\"",
-       }) {
-    EXPECT_THAT(out, HasSubstr(call));
-  }
+  // Every call of the host into the page, in order.
+  ExpectStep(
+      StepOf(out, "host -> page  [1/9] IsTargetServiceAvailable for each proxy"),
+      {"yes       session.Session.client _2014_07", "yes       refresh.Refresh.client _2014_07",
+       "yes       openlocation.OpenLocation.client _2014_02",
+       "yes       clientinfo.ClientInfo.client _2014_07",
+       "yes       version.TestVersionSvc _2014_02", "yes       version.TestVersionSvc _2014_03",
+       "yes       tavo.demo.Failing.client _2014_07", "yes       tavo.demo.Echo.client _2014_07",
+       "no        session.Session.client _2014_02"});
+  ExpectStep(StepOf(out, "host -> page  [2/9] SessionProxy::UpdateSession"),
+             {"service   session.Session.client _2014_07, event",
+              "script    tavoInterop_WebEvent('{\"FQN\": "
+              "\"tavo.wevlin.infrastructure.services.session.Session.client\"",
+              "page got  {\"Version\": \"_2014_07\", \"SessionObjects\": "});
+  ExpectStep(StepOf(out, "host -> page  [3/9] RefreshProxy::SendRefresh"),
+             {"service   refresh.Refresh.client _2014_07, event",
+              "page got  {\"Version\": \"_2014_07\", \"CreatedObjects\": "});
+  ExpectStep(StepOf(out, "host -> page  [4/9] OpenLocationProxy::openLocation"),
+             {"service   openlocation.OpenLocation.client _2014_02, event",
+              "page got  {\"Version\": \"_2014_02\", \"location\": \"inbox\""});
+  ExpectStep(StepOf(out, "host -> page  [5/9] ClientInfoProxy::GetClientInfo"),
+             {"service   clientinfo.ClientInfo.client _2014_07, method",
+              "reply     page = wevlin demo page"});
+  ExpectStep(StepOf(out, "host -> page  [6/9] TestVersionProxy::GetClientServiceVersion"),
+             {"service   version.TestVersionSvc _2014_02, method",
+              "reply     {\"Version\": \"_2014_02\""});
+  ExpectStep(StepOf(out, "host -> page  [7/9] TestVersionProxy01::GetClientServiceVersion"),
+             {"service   version.TestVersionSvc _2014_03, method",
+              "\"ServiceVersion\": \"_2014_03\", \"Result\": true"});
+  ExpectStep(StepOf(out, "host -> page  [8/9] a page service announced late"),
+             {"service   tavo.demo.Echo.client _2014_07, method, called with InvokeWebMethod",
+              "payload   {\"Text\": \"hello from the host\"}",
+              "script    tavoInterop_WebMethod('{\"FQN\": \"tavo.demo.Echo.client\"",
+              "reply     The page echoes: {\"Text\": \"hello from the host\"}"});
+  ExpectStep(StepOf(out, "host -> page  [9/9] a page service that throws"),
+             {"service   tavo.demo.Failing.client _2014_07, method, called with InvokeWebMethod",
+              "threw     std::runtime_error \"RangeError The demo page refuses this call on "
+              "purpose\""});
 
   // Times, verdicts and the picture.
   EXPECT_TRUE(std::regex_search(out, std::regex("took +[0-9]+\\.[0-9] ms")));
-  EXPECT_THAT(out, HasSubstr("13 page -> host, 8 host -> page"));
-  EXPECT_TRUE(std::regex_search(out, std::regex("result +all [0-9]+ checks passed")));
+  EXPECT_THAT(out, HasSubstr("15 page -> host, 9 host -> page"));
+  // One check for the login, one per call and one for the screenshot.
+  EXPECT_THAT(out, HasSubstr("result    all 26 checks passed"));
   EXPECT_THAT(out, Not(HasSubstr("FAILED")));
   EXPECT_THAT(out, HasSubstr("saved the page as " + picture));
   // Standard output is not a terminal here: no colour.
@@ -204,9 +494,8 @@ TEST_F(DemoProgramTest, BadTimeoutsAreRefused) {
 }
 
 TEST_F(DemoProgramTest, MissingBrowserNamesItsPackage) {
-  const ProgramRun run =
-      ProgramRun::Start(kDemo, {"--screenshot", (directory_ / "none.png").string()},
-                        {"WEVLIN_CHROMIUM=" + (directory_ / "no-such-chromium").string()});
+  const ProgramRun run = RunDemo({"--screenshot", (directory_ / "none.png").string()},
+                                 {"WEVLIN_CHROMIUM=" + (directory_ / "no-such-chromium").string()});
   EXPECT_EQ(run.exitStatus, 3);
   EXPECT_THAT(run.standardOutput, HasSubstr("The browser did not start: Cannot start the browser"));
   EXPECT_THAT(run.standardOutput, HasSubstr("apt-get install chromium"));
@@ -216,11 +505,25 @@ TEST_F(DemoProgramTest, MissingBrowserNamesItsPackage) {
   EXPECT_FALSE(std::filesystem::exists(directory_ / "none.png"));
 }
 
+// A browser that is there but dies at once is not cured by installing one:
+// the demo says so instead of suggesting the package.
+TEST_F(DemoProgramTest, BrowserThatDiesAtStartIsNotCalledMissing) {
+  const ProgramRun run =
+      RunDemo({"--screenshot", (directory_ / "none.png").string()}, {"WEVLIN_CHROMIUM=/bin/false"});
+  EXPECT_EQ(run.exitStatus, 3);
+  EXPECT_THAT(run.standardOutput, HasSubstr("The browser did not start: "));
+  EXPECT_THAT(run.standardOutput,
+              HasSubstr("The browser is there but did not come up; its own messages above say "
+                        "why."));
+  EXPECT_THAT(run.standardOutput, Not(HasSubstr("apt-get install chromium")));
+  EXPECT_THAT(run.standardError, Not(HasSubstr("apt-get install chromium")));
+  EXPECT_FALSE(std::filesystem::exists(directory_ / "none.png"));
+}
+
 TEST_F(DemoProgramTest, PageThatNeverLogsInFailsAfterTheTimeout) {
   const std::string picture = (directory_ / "plain.png").string();
-  const ProgramRun run =
-      ProgramRun::Start(kDemo, {"--page", wevlin_e2e::PageFiles::Url("plain.html"), "--timeout-ms",
-                                "3000", "--screenshot", picture});
+  const ProgramRun run = RunDemo({"--page", wevlin_e2e::PageFiles::Url("plain.html"),
+                                  "--timeout-ms", "3000", "--screenshot", picture});
   EXPECT_EQ(run.exitStatus, 1);
   EXPECT_THAT(run.standardOutput,
               HasSubstr("page      " + wevlin_e2e::PageFiles::Url("plain.html")));
@@ -231,7 +534,44 @@ TEST_F(DemoProgramTest, PageThatNeverLogsInFailsAfterTheTimeout) {
             kDemo +
                 ": 1 of 2 checks failed, the first: The page did not log in within 3000 ms; "
                 "its state is Waiting.\n");
+  EXPECT_THAT(run.standardOutput, Not(HasSubstr("\x1b[")));
   // The picture is still taken, to show what the page looked like.
+  ExpectPng(picture, 1280, 800);
+}
+
+// On a terminal the transcript is coloured: each line in the colour of its
+// kind, reset at its end. A page that never logs in gives headings, state
+// changes and failures in a few seconds.
+TEST_F(DemoProgramTest, TranscriptOnATerminalIsColoured) {
+  const std::string picture = (directory_ / "terminal.png").string();
+  const ProgramRun run = RunDemoOnTerminal({"--page", wevlin_e2e::PageFiles::Url("plain.html"),
+                                            "--timeout-ms", "1500", "--screenshot", picture});
+  const std::string& out = run.standardOutput;
+  EXPECT_EQ(run.exitStatus, 1) << out << run.standardError;
+  // Bold headings, cyan state changes, bold red failures, plain lines as
+  // they are.
+  EXPECT_THAT(out, HasSubstr("\x1b[1mwevlin demo: a native host and a web page talking through "
+                             "wevlin 0.9\x1b[0m\n"));
+  EXPECT_THAT(out, HasSubstr("\n\x1b[1m== Launch, handshake and login\x1b[0m\n"));
+  EXPECT_TRUE(std::regex_search(
+      out, std::regex("\n\x1b\\[36m\\[ +[0-9]+ ms\\] state  NoContent -> Navigating: [^\n]*"
+                      "\x1b\\[0m\n")))
+      << out;
+  EXPECT_TRUE(std::regex_search(
+      out, std::regex("\n\x1b\\[36m\\[ +[0-9]+ ms\\] state  Navigating -> Waiting: [^\n]*"
+                      "\x1b\\[0m\n")))
+      << out;
+  EXPECT_TRUE(std::regex_search(out, std::regex("\n\x1b\\[1;31m\\[ +[0-9]+ ms\\] The page did "
+                                                "not log in within 1500 ms; its state is "
+                                                "Waiting\\.\x1b\\[0m\n")))
+      << out;
+  EXPECT_THAT(
+      out, HasSubstr("\n            page      " + wevlin_e2e::PageFiles::Url("plain.html") + "\n"));
+  // Standard error is not the terminal: the summary there has no colour.
+  EXPECT_EQ(run.standardError,
+            kDemo +
+                ": 1 of 2 checks failed, the first: The page did not log in within 1500 ms; "
+                "its state is Waiting.\n");
   ExpectPng(picture, 1280, 800);
 }
 

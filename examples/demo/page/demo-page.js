@@ -13,6 +13,9 @@
 //  - makes the demo's calls into the host when the host asks for them through
 //    globalThis.demoPage: steps() lists them, start(id) starts one and
 //    returns its number, done(n) and outcome(n) tell how it ended;
+//  - in one of those steps, registers tavo.demo.Echo.client late and
+//    announces its new service list (tavoHost_WebSideServiceListUpdate), so
+//    that the host learns of the service and can call it;
 //  - lists on screen every call that crossed, both ways, with its payload,
 //    its answer and how long it took, so that a screenshot shows it all.
 (() => {
@@ -26,6 +29,8 @@
   const FAILING = Object.freeze({ fqn: "tavo.demo.Failing.client", version: "_2014_07" });
   const FAILING_MESSAGE = "The demo page refuses this call on purpose";
   const MISSING = Object.freeze({ fqn: "tavo.demo.Missing.host", version: "_2014_07" });
+  const LATE = Object.freeze({ fqn: "tavo.demo.Echo.client", version: "_2014_07" });
+  const LATE_ANSWER_PREFIX = "The page echoes: ";
   const REPLY_TIMEOUT_MS = 20000;
   const loadedAt = performance.now();
 
@@ -307,6 +312,11 @@
       Level: "Info",
       Version: "_2014_02",
     }),
+    step("log-event", "log forwarding, raised as an event", "event", SERVICES.LOGGER_FORWARD, {
+      FormatMessage: "The demo page raised this entry as an event",
+      Level: "Warning",
+      Version: "_2014_02",
+    }),
     step("session", "session", "event", SERVICES.SESSION_HOST, {
       SessionObjects: [{ DBId: "demo-db", ObjId: "user-42", ObjType: "User" }],
       Preferences: [{ Name: "languages", Values: ["en", "de"] }],
@@ -357,6 +367,13 @@
     ),
     step("host-session-info", "host session information", "method", SERVICES.HOST_SESSION_INFO, ""),
     step("ping", "ping", "ping", null, ""),
+    step(
+      "announce-services",
+      "the page offers one more service and announces its list",
+      "announce",
+      LATE,
+      "",
+    ),
     step("missing-service", "a host service that does not exist", "method", MISSING, ""),
   ];
 
@@ -378,11 +395,26 @@
     });
   }
 
+  // Registers the late service, which answers with its payload behind a
+  // prefix, and sends the page's whole service list to the host.
+  async function announceLateService() {
+    page.register(LATE.fqn, LATE.version, {
+      method(payload) {
+        return LATE_ANSWER_PREFIX + payload;
+      },
+    });
+    await page.announceServices();
+    return page.services().length;
+  }
+
   // Makes the call of `which` and fills `outcome` with what came back.
   async function perform(which, outcome) {
     const begun = performance.now();
     if (which.kind === "ping") {
       outcome.value = await page.ping();
+    } else if (which.kind === "announce") {
+      outcome.services = await announceLateService();
+      outcome.value = "";
     } else if (which.kind === "method") {
       outcome.value = await page.invokeMethod(which.service, which.payload);
     } else {
