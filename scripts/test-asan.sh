@@ -23,11 +23,10 @@ jobs="${JOBS:-$(nproc)}"
 export ASAN_OPTIONS="${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1:strict_init_order=1:detect_stack_use_after_return=1}"
 export UBSAN_OPTIONS="${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}"
 
-cmake -S . -B "$build_dir" -G Ninja \
-  -DCMAKE_BUILD_TYPE=Debug \
+# The linux-asan preset gives Ninja, Debug, warnings as errors and both
+# sanitizers.
+cmake --preset linux-asan -B "$build_dir" \
   -DCMAKE_CXX_COMPILER=clang++ \
-  -DWEVLIN_WARNINGS_AS_ERRORS=ON \
-  -DWEVLIN_SANITIZE=address,undefined \
   -DWEVLIN_BUILD_TESTS=ON \
   -DWEVLIN_BUILD_FUZZERS=ON \
   -DWEVLIN_FUZZ_REPLAY=ON \

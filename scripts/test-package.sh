@@ -58,9 +58,10 @@ major="${version%%.*}"
 echo "== wevlin $version"
 
 echo "== Building and installing into $prefix"
-cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=g++ \
+# The linux-release preset gives Ninja, Release and warnings as errors.
+cmake --preset linux-release -B "$build_dir" -DCMAKE_CXX_COMPILER=g++ \
   -DWEVLIN_BUILD_TESTS=OFF -DWEVLIN_BUILD_EXAMPLES=OFF -DWEVLIN_BUILD_BENCHMARKS=OFF \
-  -DWEVLIN_BUILD_CHROMIUM=ON -DWEVLIN_INSTALL=ON -DWEVLIN_WARNINGS_AS_ERRORS=ON >/dev/null
+  -DWEVLIN_BUILD_CHROMIUM=ON -DWEVLIN_INSTALL=ON >/dev/null
 cmake --build "$build_dir" --parallel "$jobs"
 cmake --install "$build_dir" --prefix "$prefix" >/dev/null
 

@@ -15,10 +15,9 @@ cd "$(dirname "$0")/.."
 ensure_packages "${WEVLIN_BUILD_PACKAGES[@]}" chromium nlohmann-json3-dev
 
 build_dir="${BUILD_DIR:-build/debug}"
-cmake -S . -B "$build_dir" -G Ninja \
-  -DCMAKE_BUILD_TYPE=Debug \
+# The linux-debug preset gives Ninja, Debug and warnings as errors.
+cmake --preset linux-debug -B "$build_dir" \
   -DCMAKE_CXX_COMPILER=g++ \
-  -DWEVLIN_WARNINGS_AS_ERRORS=ON \
   -DWEVLIN_BUILD_CHROMIUM=ON \
   -DWEVLIN_BUILD_EXAMPLES=ON \
   -DWEVLIN_BUILD_BENCHMARKS=OFF

@@ -57,7 +57,10 @@
     START_HANDSHAKE: "tavoHost_WebSideStartHandShake",
   });
 
+  /** The five page function names as a list, in the order of PAGE_FUNCTIONS. */
   const PAGE_FUNCTION_NAMES = Object.freeze(Object.values(PAGE_FUNCTIONS));
+
+  /** The five host function names as a list, in the order of HOST_FUNCTIONS. */
   const HOST_FUNCTION_NAMES = Object.freeze(Object.values(HOST_FUNCTIONS));
 
   /** Actions of a service-list update. The page accepts all three, in any letter case. */

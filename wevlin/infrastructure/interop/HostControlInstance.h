@@ -61,9 +61,14 @@ namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 // another thread that is adding or removing listeners of the same instance).
 // A listener on the application's thread may launch again or start the
 // handshake from inside a notification even while a time-out fires: the
-// time-out then gives way to the cancellation. Destroy the instance on the
-// application's thread; the destructor waits for a time-out check that is
-// running on the timer thread.
+// time-out then gives way to the cancellation. InvokeWebMethod and
+// InvokeWebEvent may also be called from another thread while the instance
+// lives, as the reply callbacks of the asynchronous services do when the
+// application answers from a worker thread: they read the content state under
+// its lock and the quoting atomically, and need only a web control whose
+// ExecuteScript accepts calls from that thread. Destroy the instance on the
+// application's thread, after such threads are done with it; the destructor
+// waits for a time-out check that is running on the timer thread.
 class WEVLIN_EXPORT HostControlInstance : public IHostControlInstance,
                                           public BaseObservableObject,
                                           public Base::IListChangeListener<IHostServiceDescriptor*>,

@@ -8,6 +8,7 @@
 #include "wevlin/infrastructure/interop/HostContentState.h"
 #include "wevlin/infrastructure/interop/IHostServiceDescriptor.h"
 #include "wevlin/infrastructure/interop/ILaunchIntegration.h"
+#include "wevlin/wevlin_export.h"
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
@@ -21,7 +22,8 @@ class IHostManager;
 //
 // Property changes ("ContentState", "WebSideVersion", "InstanceDestroyed")
 // are announced through the INotifyPropertyChange base.
-class IHostControlInstance : public ILaunchIntegration, public Base::INotifyPropertyChange {
+class WEVLIN_EXPORT IHostControlInstance : public ILaunchIntegration,
+                                           public Base::INotifyPropertyChange {
  public:
   // Returns the process-wide host manager the instance uses.
   virtual IHostManager* GetGlobalConfig() const = 0;

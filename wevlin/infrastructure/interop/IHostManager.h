@@ -7,6 +7,7 @@
 
 #include "wevlin/infrastructure/base/IObservableList.h"
 #include "wevlin/infrastructure/interop/IHostServiceDescriptor.h"
+#include "wevlin/wevlin_export.h"
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
@@ -16,7 +17,7 @@ class TargetConfig;
 // The process-wide registry of host services and launch targets, as host
 // control instances see it. See HostManager for the one implementation,
 // ownership and threading.
-class IHostManager {
+class WEVLIN_EXPORT IHostManager {
  public:
   virtual ~IHostManager() = default;
 

@@ -3,6 +3,7 @@
 
 #include "wevlin/infrastructure/interop/IHostServiceInteraction.h"
 #include "wevlin/infrastructure/interop/ITargetServiceDesc.h"
+#include "wevlin/wevlin_export.h"
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
@@ -12,7 +13,7 @@ namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 // HostControlInstance; whoever it is registered with deletes it when another
 // object is registered under the same FQN and version. Deleting the
 // descriptor ends its interaction object too (they are usually one object).
-class IHostServiceDescriptor : public ITargetServiceDesc {
+class WEVLIN_EXPORT IHostServiceDescriptor : public ITargetServiceDesc {
  public:
   // Returns the object through which the service is invoked.
   virtual IHostServiceInteraction* GetInteraction() const = 0;

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "wevlin/wevlin_export.h"
+
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
 class IHostControlInstance;
@@ -15,7 +17,7 @@ class IHostServiceDescriptor;
 // IHostServiceDescriptor side.
 //
 // Called on the thread on which the browser control runs the page's script.
-class IHostServiceInteraction {
+class WEVLIN_EXPORT IHostServiceInteraction {
  public:
   // Answers a request from the page. `instance` is the host control instance
   // through which the call arrived, `descriptor` the descriptor the call was

@@ -1,13 +1,15 @@
 #ifndef WEVLIN_INFRASTRUCTURE_INTEROP_ILAUNCHINTEGRATION_H_
 #define WEVLIN_INFRASTRUCTURE_INTEROP_ILAUNCHINTEGRATION_H_
 
+#include "wevlin/wevlin_export.h"
+
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
 class TargetConfig;
 
 // Launching hosted content to a target. The first four operations of every
 // host control instance. Called on the application's thread of the control.
-class ILaunchIntegration {
+class WEVLIN_EXPORT ILaunchIntegration {
  public:
   // Returns whether the control holds active content.
   virtual bool GetActiveContent() const = 0;

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "wevlin/wevlin_export.h"
+
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
 // Identifies a service by its fully qualified name (FQN) and its version.
@@ -12,7 +14,7 @@ namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 // is no ordering of versions and no fallback from one version to another.
 //
 // Implementations are immutable values; any thread may read them.
-class ITargetServiceDesc {
+class WEVLIN_EXPORT ITargetServiceDesc {
  public:
   virtual ~ITargetServiceDesc() = default;
 
