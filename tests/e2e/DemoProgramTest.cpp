@@ -3,13 +3,7 @@
 // standard output on a pipe and on a terminal, and what it leaves behind
 // (nothing: no browser process, no browser profile).
 
-#include <fcntl.h>
-#include <poll.h>
-#include <pty.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <stdlib.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,8 +27,6 @@
 #include "support/PageFiles.h"
 #include "support/ProcessScan.h"
 #include "support/ProgramRun.h"
-
-extern char** environ;
 
 namespace {
 
@@ -97,13 +89,6 @@ void ExpectPng(const std::string& path, std::uint32_t width, std::uint32_t heigh
   EXPECT_EQ(BigEndian32(png, end + 8), Crc32(png, end + 4, 4)) << "IEND CRC";
 }
 
-std::string ReadText(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
 // Returns the part of `out` from the line that contains `header` to the next
 // stamped line ("[  1234 ms] ...") or section heading: one step of the demo.
 // Empty when no line contains `header`.
@@ -124,109 +109,6 @@ void ExpectStep(const std::string& step, const std::vector<std::string>& texts) 
     at = found + text.size();
   }
   EXPECT_THAT(step, ::testing::EndsWith("\n                      ok\n")) << step;
-}
-
-// The test's environment with `additions` put in, each replacing a variable
-// of the same name.
-std::vector<std::string> MergedEnvironment(const std::vector<std::string>& additions) {
-  std::vector<std::string> merged;
-  for (char** entry = environ; *entry != nullptr; ++entry) {
-    const std::string variable(*entry);
-    const std::string name = variable.substr(0, variable.find('='));
-    bool replaced = false;
-    for (const std::string& addition : additions) {
-      if (addition.substr(0, addition.find('=')) == name) replaced = true;
-    }
-    if (!replaced) merged.push_back(variable);
-  }
-  merged.insert(merged.end(), additions.begin(), additions.end());
-  return merged;
-}
-
-// Runs `program` as ProgramRun::Start does, but with its standard output on
-// a pseudo-terminal, whose other end the test reads (standardOutput, with
-// the terminal's "\r\n" line ends turned back into "\n"); standard error
-// goes to the file `errorPath`. Gives up and kills the program after
-// `limit`. Throws std::runtime_error when there is no terminal or the program
-// cannot be started.
-ProgramRun StartOnTerminal(const std::string& program, const std::vector<std::string>& arguments,
-                           const std::vector<std::string>& environment,
-                           const std::string& errorPath, std::chrono::seconds limit) {
-  int terminal = -1;
-  int programSide = -1;
-  if (openpty(&terminal, &programSide, nullptr, nullptr, nullptr) != 0) {
-    throw std::runtime_error("openpty failed: " + std::string(std::strerror(errno)));
-  }
-  ::fcntl(terminal, F_SETFD, FD_CLOEXEC);
-
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_adddup2(&actions, programSide, STDOUT_FILENO);
-  posix_spawn_file_actions_addclose(&actions, programSide);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errorPath.c_str(),
-                                   O_WRONLY | O_CREAT | O_TRUNC, 0600);
-
-  std::vector<std::string> argumentTexts = {program};
-  argumentTexts.insert(argumentTexts.end(), arguments.begin(), arguments.end());
-  std::vector<char*> argv;
-  for (std::string& text : argumentTexts) argv.push_back(text.data());
-  argv.push_back(nullptr);
-  std::vector<std::string> environmentTexts = MergedEnvironment(environment);
-  std::vector<char*> envp;
-  for (std::string& text : environmentTexts) envp.push_back(text.data());
-  envp.push_back(nullptr);
-
-  pid_t pid = 0;
-  const int failed =
-      posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), envp.data());
-  posix_spawn_file_actions_destroy(&actions);
-  ::close(programSide);
-  if (failed != 0) {
-    ::close(terminal);
-    throw std::runtime_error("cannot start " + program + ": " + std::strerror(failed));
-  }
-
-  // Reads until the program's side is closed (read fails with EIO), which
-  // happens when the program and everything that inherited its output end.
-  std::string output;
-  const auto deadline = std::chrono::steady_clock::now() + limit;
-  for (;;) {
-    if (std::chrono::steady_clock::now() > deadline) {
-      ::kill(pid, SIGKILL);
-      ADD_FAILURE() << program << " did not end within " << limit.count() << " s";
-      break;
-    }
-    pollfd ready = {terminal, POLLIN, 0};
-    if (::poll(&ready, 1, 100) <= 0) continue;
-    char buffer[4096];
-    const ssize_t count = ::read(terminal, buffer, sizeof buffer);
-    if (count > 0) {
-      output.append(buffer, static_cast<std::size_t>(count));
-    } else if (count == 0 || errno != EINTR) {
-      break;
-    }
-  }
-  ::close(terminal);
-
-  int status = 0;
-  while (::waitpid(pid, &status, 0) < 0) {
-    if (errno != EINTR)
-      throw std::runtime_error("waitpid failed: " + std::string(std::strerror(errno)));
-  }
-  ProgramRun run;
-  if (WIFEXITED(status)) {
-    run.exitStatus = WEXITSTATUS(status);
-  } else if (WIFSIGNALED(status)) {
-    run.exitStatus = 128 + WTERMSIG(status);
-  }
-  for (std::size_t at = output.find("\r\n"); at != std::string::npos;
-       at = output.find("\r\n", at)) {
-    output.erase(at, 1);
-  }
-  run.standardOutput = std::move(output);
-  run.standardError = ReadText(errorPath);
-  return run;
 }
 
 class DemoProgramTest : public ::testing::Test {
@@ -263,9 +145,8 @@ class DemoProgramTest : public ::testing::Test {
 
   // The same with the demo's standard output on a terminal.
   ProgramRun RunDemoOnTerminal(const std::vector<std::string>& arguments) {
-    const ProgramRun run =
-        StartOnTerminal(kDemo, arguments, {"TMPDIR=" + temporary_.string()},
-                        (directory_ / "stderr").string(), std::chrono::seconds(120));
+    const ProgramRun run = ProgramRun::StartOnTerminal(
+        kDemo, arguments, {"TMPDIR=" + temporary_.string()}, std::chrono::seconds(120));
     ExpectNothingLeftBehind(run.standardOutput);
     return run;
   }

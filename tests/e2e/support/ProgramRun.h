@@ -1,6 +1,7 @@
 #ifndef WEVLIN_TESTS_E2E_SUPPORT_PROGRAMRUN_H_
 #define WEVLIN_TESTS_E2E_SUPPORT_PROGRAMRUN_H_
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,17 @@ struct ProgramRun {
   // started. Any thread.
   static ProgramRun Start(const std::string& program, const std::vector<std::string>& arguments,
                           const std::vector<std::string>& environment = {});
+
+  // Runs `program` as Start does, but with its standard output on a
+  // pseudo-terminal whose other end this reads (standardOutput, with the
+  // terminal's "\r\n" line ends turned back into "\n"). Kills the program
+  // and adds a test failure when it has not ended after `limit`. Throws
+  // std::runtime_error when there is no terminal or the program cannot be
+  // started. Any thread.
+  static ProgramRun StartOnTerminal(const std::string& program,
+                                    const std::vector<std::string>& arguments,
+                                    const std::vector<std::string>& environment,
+                                    std::chrono::seconds limit);
 };
 
 }  // namespace wevlin_e2e
