@@ -278,8 +278,7 @@ void DemoRun::RunPageStep(const Json& step, std::size_t number, std::size_t coun
                                             std::to_string(count) + "] " +
                                             step.at("title").get<std::string>());
   // What the host knows of the late service before the page announces it.
-  bool knownBefore = false;
-  int countBefore = 0;
+  HostKnowledge before;
   if (kind == "ping") {
     transcript_.Labelled(Tone::Plain, "call", "tavoHostPing()");
   } else if (kind == "announce") {
@@ -287,13 +286,7 @@ void DemoRun::RunPageStep(const Json& step, std::size_t number, std::size_t coun
                          "tavoHost_WebSideServiceListUpdate('Replace', the page's service list)");
     transcript_.Labelled(Tone::Plain, "service",
                          ShortName(fqn) + " " + version + ", registered by the page just now");
-    knownBefore =
-        services::BaseServiceProxy(instance_.get(), fqn, version).IsTargetServiceAvailable();
-    countBefore = instance_->GetKnownWebSideServices()->GetSize();
-    transcript_.Labelled(
-        Tone::Plain, "before",
-        "the host knows " + std::to_string(countBefore) +
-            " page services; IsTargetServiceAvailable: " + (knownBefore ? "yes" : "no"));
+    before = ReportKnowledge("before", fqn, version);
   } else {
     transcript_.Labelled(Tone::Plain, "service",
                          ShortName(fqn) + " " + version + ", " + kind +
@@ -339,27 +332,32 @@ void DemoRun::RunPageStep(const Json& step, std::size_t number, std::size_t coun
   }
   std::string failure = CheckPageStep(step, outcome);
   if (kind == "announce") {
-    const std::string announced = CheckAnnouncement(step, knownBefore, countBefore);
+    const std::string announced = CheckAnnouncement(before, ReportKnowledge("after", fqn, version));
     if (failure.empty()) failure = announced;
   }
   transcript_.Labelled(Tone::Plain, "took", FormatMs(outcome.value("ms", 0.0)));
   Verdict(failure);
 }
 
-std::string DemoRun::CheckAnnouncement(const Json& step, bool knownBefore, int countBefore) {
-  const std::string fqn = step.at("fqn").get<std::string>();
-  const std::string version = step.at("version").get<std::string>();
-  const bool known =
+DemoRun::HostKnowledge DemoRun::ReportKnowledge(const std::string& label, const std::string& fqn,
+                                                const std::string& version) {
+  HostKnowledge knowledge;
+  knowledge.count = instance_->GetKnownWebSideServices()->GetSize();
+  knowledge.known =
       services::BaseServiceProxy(instance_.get(), fqn, version).IsTargetServiceAvailable();
-  const int count = instance_->GetKnownWebSideServices()->GetSize();
-  transcript_.Labelled(Tone::Plain, "after",
-                       "the host knows " + std::to_string(count) +
-                           " page services; IsTargetServiceAvailable: " + (known ? "yes" : "no"));
-  if (knownBefore) return "the host knew the service before the page announced it";
-  if (!known) return "the host did not learn the service";
-  if (count != countBefore + 1) {
-    return "the host knows " + std::to_string(count) + " services, expected " +
-           std::to_string(countBefore + 1);
+  transcript_.Labelled(
+      Tone::Plain, label,
+      "the host knows " + std::to_string(knowledge.count) +
+          " page services; IsTargetServiceAvailable: " + (knowledge.known ? "yes" : "no"));
+  return knowledge;
+}
+
+std::string DemoRun::CheckAnnouncement(const HostKnowledge& before, const HostKnowledge& after) {
+  if (before.known) return "the host knew the service before the page announced it";
+  if (!after.known) return "the host did not learn the service";
+  if (after.count != before.count + 1) {
+    return "the host knows " + std::to_string(after.count) + " services, expected " +
+           std::to_string(before.count + 1);
   }
   return "";
 }

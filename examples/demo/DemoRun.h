@@ -64,10 +64,19 @@ class DemoRun {
   void CallHostFromPage();
   void RunPageStep(const Json& step, std::size_t number, std::size_t count);
   std::string CheckPageStep(const Json& step, const Json& outcome);
-  // Writes what the host knows after the page announced its list, and
-  // returns a failure unless it learnt exactly the late service (which it
-  // knew as `knownBefore`, among `countBefore` services).
-  std::string CheckAnnouncement(const Json& step, bool knownBefore, int countBefore);
+  // What the host's instance knows of the page's services: how many, and
+  // whether one service in particular is among them.
+  struct HostKnowledge {
+    int count = 0;
+    bool known = false;
+  };
+  // Returns what the instance knows of the page's services and of `fqn`
+  // `version`, and writes it to the transcript under `label`.
+  HostKnowledge ReportKnowledge(const std::string& label, const std::string& fqn,
+                                const std::string& version);
+  // Returns a failure unless the announcement taught the host exactly the
+  // late service: unknown `before`, known `after`, one service more.
+  static std::string CheckAnnouncement(const HostKnowledge& before, const HostKnowledge& after);
   void CallPageFromHost();
   void SaveScreenshot();
   int Summarise();

@@ -106,45 +106,12 @@ std::string JavaScriptNumber(double value) {
   return text;
 }
 
-// Appends `text` as a JSON string, escaped as JSON.stringify escapes it.
+// Appends `text` as a JSON string, escaped as JSON.stringify escapes it:
+// quote, backslash and the control characters, the common ones in their short
+// forms, the others as lower-case \u00XX. nlohmann's writer uses exactly
+// those escapes.
 void AppendString(const std::string& text, std::string* out) {
-  static const char kHex[] = "0123456789abcdef";
-  out->push_back('"');
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    switch (c) {
-      case '"':
-        *out += "\\\"";
-        break;
-      case '\\':
-        *out += "\\\\";
-        break;
-      case '\b':
-        *out += "\\b";
-        break;
-      case '\f':
-        *out += "\\f";
-        break;
-      case '\n':
-        *out += "\\n";
-        break;
-      case '\r':
-        *out += "\\r";
-        break;
-      case '\t':
-        *out += "\\t";
-        break;
-      default:
-        if (byte < 0x20) {
-          *out += "\\u00";
-          out->push_back(kHex[byte >> 4]);
-          out->push_back(kHex[byte & 0xF]);
-        } else {
-          out->push_back(c);
-        }
-    }
-  }
-  out->push_back('"');
+  *out += Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 // Appends `value` as JSON text: members in their order, numbers as
