@@ -129,7 +129,7 @@ void RunCommand(HostHarness& host, const std::string& command) {
   const auto action = static_cast<unsigned char>(command[0]);
   const std::vector<std::string> args = wevlin_fuzz::Split(command.substr(1), 3);
   interop::HostAPI& api = host.Api();
-  wevlin_test::ScriptedPage& page = host.Page();
+  Com::Velmora::TAVO::Wevlin::Testing::ScriptedPage& page = host.Page();
   switch (action % 13) {
     case 0:
       CheckRecordIfAny(api.tavoHostMethod(Descriptor(args[0]), args[1]), "tavoHostMethod");

@@ -5,13 +5,13 @@
 #include <memory>
 #include <string>
 
-#include "support/ScriptedPage.h"
 #include "support/StandardServiceHandlers.h"
 #include "support/TimerEnvironmentScope.h"
 #include "wevlin/infrastructure/interop/HostAPI.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
 #include "wevlin/infrastructure/interop/HostManager.h"
 #include "wevlin/infrastructure/interop/TargetConfig.h"
+#include "wevlin/testing/ScriptedPage.h"
 
 namespace wevlin_fuzz {
 
@@ -43,7 +43,7 @@ class HostHarness {
   HostHarness(const HostHarness&) = delete;
   HostHarness& operator=(const HostHarness&) = delete;
 
-  wevlin_test::ScriptedPage& Page() { return page_; }
+  Com::Velmora::TAVO::Wevlin::Testing::ScriptedPage& Page() { return page_; }
   Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::HostControlInstance& Instance() {
     return *instance_;
   }
@@ -68,7 +68,7 @@ class HostHarness {
 
  private:
   wevlin_test::TimerEnvironmentScope env_;
-  wevlin_test::ScriptedPage page_;
+  Com::Velmora::TAVO::Wevlin::Testing::ScriptedPage page_;
   Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::TargetConfig target_{"app", "App",
                                                                             "https://app.example/"};
   wevlin_test::StandardServiceHandlers handlers_;

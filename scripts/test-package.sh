@@ -4,14 +4,19 @@
 #   1. builds the library and the Chromium web control (Release, no tests)
 #      and installs them into a temporary prefix; checks the installed tree:
 #      public headers only, the versioned shared libraries and their sonames,
-#      the CMake package and the pkg-config files; checks that the install
-#      component "wevlin" leaves the web control out;
+#      the CMake package and the pkg-config files, the page-side library and
+#      the licence; checks that the install component "wevlin" leaves the web
+#      control out, and that the component "chromium" alone brings the
+#      library it needs and is found by find_package;
 #   2. builds and runs tests/package/find-package against that prefix with
-#      find_package(wevlin CONFIG REQUIRED COMPONENTS chromium): every
-#      installed header compiled on its own, and the consumer programs linked
-#      to the shared libraries (with g++ and with clang++);
+#      find_package(wevlin CONFIG REQUIRED COMPONENTS chromium) and
+#      COMPONENTS testing: every installed header compiled on its own, and
+#      the consumer programs linked to the shared libraries (with g++ and
+#      with clang++), among them a test written with the test kit;
 #   3. builds and runs the same consumer with nothing but the flags of
-#      `pkg-config --cflags --libs wevlin`;
+#      `pkg-config --cflags --libs wevlin`, and the test kit's consumer with
+#      those of wevlin-testing; checks that the component "testing" is left
+#      out of the component "wevlin" and named when it is missing;
 #   4. builds and runs tests/package/add-subdirectory, which builds wevlin
 #      from source as a subproject;
 #   5. packs the JavaScript library in web/ with `npm pack`, installs the
@@ -74,16 +79,18 @@ expect_eq "private header folders installed" "${private:-none}" "none"
 others="$(cd "$prefix/include" && find . -type f ! -name '*.h' -print)"
 expect_eq "installed files that are not headers" "${others:-none}" "none"
 # Every header of the source tree outside internal/ and port/ is installed.
-for header in $(cd "$source_dir" && find wevlin/infrastructure wevlin/webcontrols -name '*.h' \
-  ! -path '*/internal/*' ! -path '*/port/*'); do
+for header in $(cd "$source_dir" && find wevlin/infrastructure wevlin/webcontrols wevlin/testing \
+  -name '*.h' ! -path '*/internal/*' ! -path '*/port/*'); do
   [ -f "$prefix/include/$header" ] || fail "$header is not installed"
 done
 echo "ok   every public header is installed"
 
 [ -f "$prefix/include/wevlin/webcontrols/chromium/wevlin_chromium_export.h" ] ||
   fail "wevlin/webcontrols/chromium/wevlin_chromium_export.h is not installed"
+[ -f "$prefix/include/wevlin/testing/wevlin_testing_export.h" ] ||
+  fail "wevlin/testing/wevlin_testing_export.h is not installed"
 libdir="$prefix/lib"
-for name in wevlin wevlin_chromium; do
+for name in wevlin wevlin_chromium wevlin_testing; do
   real="$libdir/lib$name.so.$version"
   [ -f "$real" ] || fail "lib$name.so.$version is not installed"
   expect_eq "lib$name.so.$major" "$(readlink "$libdir/lib$name.so.$major")" "lib$name.so.$version"
@@ -92,10 +99,15 @@ for name in wevlin wevlin_chromium; do
   expect_eq "soname of lib$name" "$soname" "lib$name.so.$major"
 done
 for file in wevlinConfig.cmake wevlinConfigVersion.cmake wevlinTargets.cmake \
-  wevlinChromiumTargets.cmake; do
+  wevlinChromiumTargets.cmake wevlinTestingTargets.cmake; do
   [ -f "$libdir/cmake/wevlin/$file" ] || fail "lib/cmake/wevlin/$file is not installed"
 done
 echo "ok   CMake package files"
+cmp "$prefix/share/wevlin/wevlin.js" web/src/wevlin.js ||
+  fail "share/wevlin/wevlin.js is not the page-side library web/src/wevlin.js"
+echo "ok   share/wevlin/wevlin.js is the page-side library"
+cmp "$prefix/share/doc/wevlin/LICENSE" LICENSE || fail "share/doc/wevlin/LICENSE is not LICENSE"
+echo "ok   share/doc/wevlin/LICENSE"
 
 echo "== The install component \"wevlin\" alone"
 cmake --install "$build_dir" --prefix "$work/core-only" --component wevlin >/dev/null
@@ -108,15 +120,45 @@ fi
 grep -q 'has no component "chromium"' "$work/no-chromium.log" ||
   fail "the missing component is not named: $(cat "$work/no-chromium.log")"
 echo "ok   find_package(wevlin COMPONENTS chromium) fails without the component"
+testing_files="$(cd "$work/core-only" && find . -path '*testing*' -print)"
+expect_eq "files of the test kit installed" "${testing_files:-none}" "none"
+if cmake -S tests/package/find-package -B "$work/no-testing" -G Ninja \
+  -DCMAKE_PREFIX_PATH="$work/core-only" -DWEVLIN_TEST_TESTING=ON >"$work/no-testing.log" 2>&1; then
+  fail "find_package(wevlin COMPONENTS testing) succeeded without the component"
+fi
+grep -q 'has no component "testing"' "$work/no-testing.log" ||
+  fail "the missing component is not named: $(cat "$work/no-testing.log")"
+echo "ok   find_package(wevlin COMPONENTS testing) fails without the component"
+
+echo "== The install component \"chromium\" alone"
+cmake --install "$build_dir" --prefix "$work/chromium-only" --component chromium >/dev/null
+for file in lib/libwevlin.so.$version lib/libwevlin_chromium.so.$version \
+  lib/cmake/wevlin/wevlinConfig.cmake include/wevlin/wevlin.h \
+  include/wevlin/webcontrols/chromium/ChromiumWebControl.h share/wevlin/wevlin.js; do
+  [ -e "$work/chromium-only/$file" ] || fail "installing only \"chromium\" left out $file"
+done
+echo "ok   the component brings the library, its headers and the CMake package"
+cmake -S tests/package/find-package -B "$work/chromium-only-build" -G Ninja \
+  -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$work/chromium-only" \
+  -DWEVLIN_TEST_CHROMIUM=ON >/dev/null
+echo "ok   find_package(wevlin COMPONENTS chromium) finds a tree with only the component"
 
 echo "== pkg-config"
 export PKG_CONFIG_PATH="$libdir/pkgconfig"
 expect_eq "pkg-config --modversion wevlin" "$(pkg-config --modversion wevlin)" "$version"
 expect_eq "pkg-config --modversion wevlin-chromium" "$(pkg-config --modversion wevlin-chromium)" \
   "$version"
+expect_eq "pkg-config --modversion wevlin-testing" "$(pkg-config --modversion wevlin-testing)" \
+  "$version"
 # (pkgconf ends the line with a blank; it is not part of the flags.)
 expect_eq "pkg-config --cflags --libs wevlin" "$(pkg-config --cflags --libs wevlin | sed 's/ *$//')" \
   "-I$prefix/include -L$libdir -lwevlin"
+expect_eq "pkg-config --variable=pagescript wevlin" "$(pkg-config --variable=pagescript wevlin)" \
+  "$prefix/share/wevlin/wevlin.js"
+for name in wevlin wevlin-chromium wevlin-testing; do
+  grep -qx 'License: MIT' "$libdir/pkgconfig/$name.pc" || fail "$name.pc does not name the licence"
+done
+echo "ok   every pkg-config file names the licence"
 # shellcheck disable=SC2046 # the flags are meant to be split
 g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror tests/package/consumer/main.cpp \
   $(pkg-config --cflags --libs wevlin) -o "$work/consumer-pkg-config"
@@ -127,17 +169,26 @@ linked="$(LD_LIBRARY_PATH="$libdir" ldd "$work/consumer-pkg-config")"
 grep -q "libwevlin.so.$major => $libdir/" <<<"$linked" ||
   fail "the pkg-config consumer does not load the installed library: $linked"
 echo "ok   the program loads $libdir/libwevlin.so.$major"
+expect_eq "pkg-config --cflags --libs wevlin-testing" \
+  "$(pkg-config --cflags --libs wevlin-testing | sed 's/ *$//')" \
+  "-I$prefix/include -L$libdir -lwevlin_testing -lwevlin"
+# shellcheck disable=SC2046 # the flags are meant to be split
+g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror tests/package/consumer/testing_consumer.cpp \
+  $(pkg-config --cflags --libs wevlin-testing) -o "$work/testing-consumer-pkg-config"
+LD_LIBRARY_PATH="$libdir" "$work/testing-consumer-pkg-config" | tail -n 1
 
-echo "== find_package(wevlin CONFIG REQUIRED COMPONENTS chromium)"
+echo "== find_package(wevlin CONFIG REQUIRED COMPONENTS chromium), COMPONENTS testing"
 cmake -S tests/package/find-package -B "$work/find-package" -G Ninja \
-  -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$prefix" -DWEVLIN_TEST_CHROMIUM=ON
+  -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$prefix" -DWEVLIN_TEST_CHROMIUM=ON \
+  -DWEVLIN_TEST_TESTING=ON
 cmake --build "$work/find-package" --parallel "$jobs"
 ctest --test-dir "$work/find-package" --output-on-failure
 
 if command -v clang++ >/dev/null 2>&1; then
-  echo "== find_package(wevlin CONFIG REQUIRED COMPONENTS chromium) with clang++"
+  echo "== The same with clang++"
   cmake -S tests/package/find-package -B "$work/find-package-clang" -G Ninja \
     -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$prefix" -DWEVLIN_TEST_CHROMIUM=ON \
+    -DWEVLIN_TEST_TESTING=ON \
     -DCMAKE_CXX_COMPILER=clang++
   cmake --build "$work/find-package-clang" --parallel "$jobs"
   ctest --test-dir "$work/find-package-clang" --output-on-failure
@@ -153,9 +204,12 @@ echo "== npm pack"
 (cd web && npm pack --pack-destination "$work" --silent >/dev/null)
 tarball="$work/wevlin-$version.tgz"
 [ -f "$tarball" ] || fail "npm pack did not write wevlin-$version.tgz (the JavaScript version must be $version)"
-contents="$(tar -tzf "$tarball" | sort | tr '\n' ' ')"
+contents="$(tar -tzf "$tarball" | LC_ALL=C sort | tr '\n' ' ')"
 expect_eq "files in the tarball" "$contents" \
-  "package/README.md package/index.d.mts package/index.d.ts package/package.json package/src/wevlin.js package/src/wevlin.mjs "
+  "package/LICENSE package/README.md package/index.d.mts package/index.d.ts package/package.json package/src/wevlin-testing.js package/src/wevlin-testing.mjs package/src/wevlin.js package/src/wevlin.mjs package/testing.d.mts package/testing.d.ts "
+cmp -s "$source_dir/LICENSE" <(tar -xzOf "$tarball" package/LICENSE) ||
+  fail "the tarball's LICENSE differs from the repository's LICENSE"
+echo "ok   the tarball carries the repository's LICENSE"
 
 app="$work/app"
 mkdir -p "$app"
@@ -171,17 +225,29 @@ expect_eq "import wevlin, { VERSION, createPage } from \"wevlin\"" \
   "$(node --input-type=module -e 'import wevlin, { VERSION, createPage } from "wevlin";
 process.stdout.write(VERSION + " " + typeof createPage + " " + (wevlin.createPage === createPage))')" \
   "$version function true"
+expect_eq "require(\"wevlin/testing\").MemoryHost" \
+  "$(node -e 'const t = require("wevlin/testing"); const w = require("wevlin");
+process.stdout.write(typeof t.MemoryHost + " " + (t.createMemoryHost() instanceof t.MemoryHost) + " " + ("createMemoryHost" in w))')" \
+  "function true false"
+expect_eq "import { MemoryHost, createMemoryHost } from \"wevlin/testing\"" \
+  "$(node --input-type=module -e 'import testing, { MemoryHost, createMemoryHost } from "wevlin/testing";
+const host = createMemoryHost({ target: {} });
+process.stdout.write(typeof MemoryHost + " " + (host instanceof MemoryHost) + " " + (testing.MemoryHost === MemoryHost) + " " + host.contentState)')" \
+  "function true true Waiting"
 tsc="$source_dir/web/node_modules/.bin/tsc"
 if [ -x "$tsc" ]; then
   cat >"$app/check.mts" <<'EOF'
 import wevlin, { VERSION, createPage } from "wevlin";
+import { MemoryHost, createMemoryHost } from "wevlin/testing";
 const version: string = VERSION;
 const same: boolean = wevlin.createPage === createPage;
-export { version, same };
+const host: MemoryHost = createMemoryHost();
+export { version, same, host };
 EOF
   cat >"$app/check.cts" <<'EOF'
 import wevlin = require("wevlin");
-const version: string = wevlin.VERSION;
+import testing = require("wevlin/testing");
+const version: string = wevlin.VERSION + testing.createMemoryHost().contentState;
 export = version;
 EOF
   cat >"$app/tsconfig.json" <<'EOF'
@@ -197,7 +263,7 @@ EOF
 }
 EOF
   "$tsc" -p "$app/tsconfig.json"
-  echo "ok   the declarations type-check for import and require"
+  echo "ok   the declarations of wevlin and wevlin/testing type-check for import and require"
 else
   echo "note: web/node_modules has no TypeScript (run scripts/test-web.sh first); type check skipped"
 fi

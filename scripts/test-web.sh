@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Checks the page-side JavaScript library in web/: installs Node.js and npm
 # with apt-get when the commands are missing, installs the locked development
-# dependencies, then runs the linter, the type check of the declarations, the
-# formatting check and the unit tests.
+# dependencies, checks that the checked-in generated files (src/wevlin.js and
+# the other entries) match the modules in src/lib/, then runs the linter, the
+# type check of the declarations, the formatting check and the unit tests.
 #
 #   scripts/test-web.sh
 set -euo pipefail
@@ -22,6 +23,8 @@ echo "== node $(node --version), npm $(npm --version)"
 cd web
 echo "== npm ci"
 npm ci --no-audit --no-fund
+echo "== npm run build:check"
+npm run build:check
 echo "== npm run lint"
 npm run lint
 echo "== npm run typecheck"

@@ -93,8 +93,9 @@ cmake --preset windows-mingw -B "$build_dir"
 
 echo "== Building"
 if [ "$quick" -eq 1 ]; then
-  cmake --build "$build_dir" --parallel "$jobs" --target wevlin wevlin_core json_example \
-    "${quick_tests[@]}"
+  # The test kit too: the install step below installs it.
+  cmake --build "$build_dir" --parallel "$jobs" --target wevlin wevlin_core wevlin_testing \
+    json_example "${quick_tests[@]}"
 else
   cmake --build "$build_dir" --parallel "$jobs"
 fi

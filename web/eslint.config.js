@@ -1,8 +1,10 @@
 "use strict";
 
 // Lint configuration: the recommended rules plus a few that keep the library
-// strict and predictable. The library file is a classic script that must also
-// load as a CommonJS module; the tests and tooling run on Node.
+// strict and predictable. The library's sources are ES modules (src/lib/); the
+// files generated from them are classic scripts that must also load as
+// CommonJS modules (the testing entry requires the page library beside it);
+// the tests and tooling run on Node.
 const js = require("@eslint/js");
 const globals = require("globals");
 
@@ -31,12 +33,25 @@ module.exports = [
     rules: { ...shared, "no-restricted-globals": ["error", "window", "self", "document"] },
   },
   {
+    files: ["src/wevlin-testing.js"],
+    languageOptions: {
+      sourceType: "script",
+      globals: { ...globals.es2022, module: "readonly", require: "readonly" },
+    },
+    rules: { ...shared, "no-restricted-globals": ["error", "window", "self", "document"] },
+  },
+  {
+    // The library's sources run in pages too: no browser or Node globals.
+    files: ["src/lib/**/*.mjs"],
+    rules: { "no-restricted-globals": ["error", "window", "self", "document"] },
+  },
+  {
     files: ["src/**/*.mjs"],
     languageOptions: { sourceType: "module", globals: { ...globals.es2022 } },
     rules: shared,
   },
   {
-    files: ["test/**/*.js", "eslint.config.js"],
+    files: ["test/**/*.js", "scripts/**/*.js", "eslint.config.js"],
     languageOptions: { sourceType: "commonjs", globals: { ...globals.node } },
     rules: shared,
   },

@@ -1,8 +1,13 @@
 #ifndef WEVLIN_WEVLIN_H_
 #define WEVLIN_WEVLIN_H_
 
-// The whole public interface of wevlin. Include this one header, or the
-// individual headers it lists.
+// The whole public interface of the wevlin library: every header that the
+// install step writes for it is listed here, and a test keeps it so. Include
+// this one header, or the individual headers it lists.
+//
+// The web controls are separate libraries with their own headers, which this
+// header does not include: wevlin/webcontrols/chromium/ChromiumWebControl.h
+// for the headless-Chromium control (target wevlin::chromium).
 
 #include "wevlin/infrastructure/base/EventObject.h"
 #include "wevlin/infrastructure/base/IEventSource.h"
@@ -12,28 +17,48 @@
 #include "wevlin/infrastructure/base/IObservableList.h"
 #include "wevlin/infrastructure/base/IPropertyChangeListener.h"
 #include "wevlin/infrastructure/base/ListChangeEvent.h"
+#include "wevlin/infrastructure/base/LogLine.h"
 #include "wevlin/infrastructure/base/LogSink.h"
 #include "wevlin/infrastructure/base/ObservableList.h"
 #include "wevlin/infrastructure/base/PropertyChangeEvent.h"
 #include "wevlin/infrastructure/interop/Base64.h"
 #include "wevlin/infrastructure/interop/BaseObservableObject.h"
+#include "wevlin/infrastructure/interop/BaseServiceDescriptor.h"
 #include "wevlin/infrastructure/interop/DataContract.h"
+#include "wevlin/infrastructure/interop/DataServiceDescriptor.h"
+#include "wevlin/infrastructure/interop/ExceptionHolder.h"
+#include "wevlin/infrastructure/interop/ExceptionInfo.h"
 #include "wevlin/infrastructure/interop/HostAPI.h"
+#include "wevlin/infrastructure/interop/HostContentState.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
 #include "wevlin/infrastructure/interop/HostManager.h"
 #include "wevlin/infrastructure/interop/IHandleTimerEvent.h"
+#include "wevlin/infrastructure/interop/IHostControlInstance.h"
+#include "wevlin/infrastructure/interop/IHostManager.h"
+#include "wevlin/infrastructure/interop/IHostServiceDescriptor.h"
+#include "wevlin/infrastructure/interop/IHostServiceInteraction.h"
+#include "wevlin/infrastructure/interop/ILaunchIntegration.h"
+#include "wevlin/infrastructure/interop/ITargetServiceDesc.h"
 #include "wevlin/infrastructure/interop/IWebControl.h"
 #include "wevlin/infrastructure/interop/JsonObject.h"
 #include "wevlin/infrastructure/interop/JsonSerializationHelper.h"
 #include "wevlin/infrastructure/interop/JsonValue.h"
+#include "wevlin/infrastructure/interop/ScriptQuoting.h"
 #include "wevlin/infrastructure/interop/TargetConfig.h"
 #include "wevlin/infrastructure/interop/Timer.h"
+#include "wevlin/infrastructure/interop/WebSideServiceDescriptor.h"
+#include "wevlin/infrastructure/services/BaseHostingService.h"
+#include "wevlin/infrastructure/services/BaseMessage.h"
+#include "wevlin/infrastructure/services/BaseServiceProxy.h"
+#include "wevlin/infrastructure/services/Pair.h"
+#include "wevlin/infrastructure/services/ServiceNames.h"
 #include "wevlin/infrastructure/services/clientinfo/_2014_07/ClientInfoProxy.h"
 #include "wevlin/infrastructure/services/core/_2014_02/HostConfigurationResponseMsg.h"
 #include "wevlin/infrastructure/services/core/_2014_02/HostConfigurationSvc.h"
 #include "wevlin/infrastructure/services/core/_2014_02/IHandleHostConfigurationSvc.h"
 #include "wevlin/infrastructure/services/core/_2014_02/InteropObjRef.h"
 #include "wevlin/infrastructure/services/core/_2014_02/StartupNotificationSvc.h"
+#include "wevlin/infrastructure/services/core/_2014_07/BaseKeyValueMessage.h"
 #include "wevlin/infrastructure/services/core/_2014_07/ClientStatusMsg.h"
 #include "wevlin/infrastructure/services/core/_2014_07/ClientStatusSvc.h"
 #include "wevlin/infrastructure/services/core/_2014_07/HostConfigurationResponseMsg.h"

@@ -14,8 +14,8 @@ namespace wevlin_test {
 // An IWebControl test double that answers every script line through one
 // function, without parsing it: for pages that answer every page function
 // alike (with an exception record, say), for browsers that fail or die in the
-// middle of a call, and for very large texts, which ScriptedPage would copy
-// character by character.
+// middle of a call, and for very large texts, which the test kit's
+// ScriptedPage would copy character by character.
 //
 // Answer receives the whole script line and returns the result, or throws
 // what the control should throw (a ScriptException, or anything else). With

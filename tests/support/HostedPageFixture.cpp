@@ -1,7 +1,6 @@
 #include "support/HostedPageFixture.h"
 
 #include "support/HostCleanup.h"
-#include "wevlin/infrastructure/interop/HostContentState.h"
 #include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
 
 namespace wevlin_test {
@@ -17,9 +16,11 @@ void HostedPageFixture::SetUp() {
   manager_ = interop::HostManager::TheInstance();
   instance_ = std::make_unique<interop::HostControlInstance>(&page_);
   api_ = std::make_unique<interop::HostAPI>(instance_.get());
+  page_.ConnectHost(api_.get());
 }
 
 void HostedPageFixture::TearDown() {
+  page_.ConnectHost(nullptr);
   api_.reset();
   DestroyHostControlInstance(instance_);
   RestoreHostManager(previousManager_);
@@ -27,10 +28,7 @@ void HostedPageFixture::TearDown() {
 }
 
 void HostedPageFixture::Talk() {
-  instance_->LaunchToTarget(&target_);
-  page_.CompleteLoad();
-  ASSERT_EQ(api_->tavoHost_WebSideStartHandShake(), "");
-  ASSERT_EQ(instance_->GetContentState(), interop::LoadedCanTalk);
+  ASSERT_NO_THROW(page_.Talk(*instance_, target_));
   page_.ClearRecords();
 }
 

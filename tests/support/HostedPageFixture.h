@@ -5,18 +5,19 @@
 
 #include <gtest/gtest.h>
 
-#include "support/ScriptedPage.h"
 #include "support/TimerEnvironmentScope.h"
 #include "wevlin/infrastructure/interop/HostAPI.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
 #include "wevlin/infrastructure/interop/HostManager.h"
 #include "wevlin/infrastructure/interop/TargetConfig.h"
+#include "wevlin/testing/ScriptedPage.h"
 
 namespace wevlin_test {
 
 // A test fixture that hosts a scripted page end to end: a fresh process-wide
-// host manager, a ScriptedPage, a HostControlInstance on that page and the
-// HostAPI through which the page's script calls the host. The time-out timers
+// host manager, a ScriptedPage of the test kit, a HostControlInstance on that
+// page and the HostAPI through which the page's script calls the host (and to
+// which the page is connected, so that it can call the host itself). The time-out timers
 // run on a simulated clock and a manual queue, so no real timer ever fires.
 //
 // A test derives its fixture from this class (or names it with a using
@@ -51,7 +52,7 @@ class HostedPageFixture : public ::testing::Test {
   void Talk();
 
   TimerEnvironmentScope env_;
-  ScriptedPage page_;
+  Com::Velmora::TAVO::Wevlin::Testing::ScriptedPage page_;
   Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::TargetConfig target_{"app", "App",
                                                                             "https://app.example/"};
   // The fresh manager, valid from SetUp to TearDown.

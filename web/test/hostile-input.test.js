@@ -11,6 +11,7 @@
 const test = require("node:test");
 const assert = require("node:assert/strict");
 const wevlin = require("../src/wevlin.js");
+const testing = require("../src/wevlin-testing.js");
 
 const { readJson, writeJson, parseServiceList, parseDescriptor, readExceptionRecord } = wevlin;
 
@@ -27,7 +28,7 @@ const PROTOTYPES = [
   Promise.prototype,
   wevlin.HostError.prototype,
   wevlin.Page.prototype,
-  wevlin.MemoryHost.prototype,
+  testing.MemoryHost.prototype,
 ];
 
 function snapshot() {
@@ -56,7 +57,7 @@ const MILLION = 1000000;
 const MILLION_OPEN = "[".repeat(MILLION);
 const MILLION_BALANCED = MILLION_OPEN + "]".repeat(MILLION);
 const MILLION_OBJECTS = '{"a": '.repeat(MILLION - 1) + "{}" + "}".repeat(MILLION - 1);
-const TOO_DEEP = "Invalid JSON at offset 512: nesting too deep";
+const TOO_DEEP = "Invalid JSON at offset 1000: nesting too deep";
 
 // Prototype keys in every position a reader might copy them from.
 const PROTO_OBJECT =
@@ -79,10 +80,13 @@ test.describe("the JSON reader", () => {
     }
     assert.throws(() => readJson(MILLION_OBJECTS), {
       name: "SyntaxError",
-      message: "Invalid JSON at offset 3072: nesting too deep",
+      message: "Invalid JSON at offset 6000: nesting too deep",
     });
-    // The limit is 512 levels.
-    assert.equal(writeJson(readJson("[".repeat(512) + "]".repeat(512))), "[".repeat(512) + "]".repeat(512));
+    // The limit is 1000 levels, as on the host.
+    assert.equal(
+      writeJson(readJson("[".repeat(1000) + "]".repeat(1000))),
+      "[".repeat(1000) + "]".repeat(1000),
+    );
   });
 
   test("prototype keys become own properties of objects without a prototype", () => {
@@ -203,7 +207,7 @@ test.describe("the five page functions", () => {
     page.register("a", "1", { method: (payload) => "got " + payload.length, event: () => {} });
     const cases = [
       [MILLION_BALANCED, record("SyntaxError", TOO_DEEP)],
-      [MILLION_OBJECTS, record("SyntaxError", "Invalid JSON at offset 3072: nesting too deep")],
+      [MILLION_OBJECTS, record("SyntaxError", "Invalid JSON at offset 6000: nesting too deep")],
       [
         '{"FQN": {"__proto__": 1}, "SvcVersion": "1"}',
         record("TypeError", 'A service descriptor field \\"FQN\\" must be a string, not an object'),
@@ -296,7 +300,7 @@ test.describe("the host's answers to the page", () => {
 
 test.describe("the in-memory host", () => {
   test("answers hostile calls of the page as the native host does", () => {
-    const host = wevlin.createMemoryHost({ target: {} });
+    const host = testing.createMemoryHost({ target: {} });
     host.registerService("__proto__", "constructor", { method: (payload) => "proto " + payload.length });
     const fn = host.hostObject;
     assert.equal(
@@ -334,7 +338,7 @@ test.describe("the in-memory host", () => {
   test("a page that answers every call with an exception record", () => {
     const target = {};
     for (const name of wevlin.PAGE_FUNCTION_NAMES) target[name] = () => record("Error", "page says no");
-    const host = wevlin.createMemoryHost({ target });
+    const host = testing.createMemoryHost({ target });
     host.launch();
     host.loadCompleted();
     assert.equal(

@@ -191,11 +191,67 @@ test.describe("readJson", () => {
   });
 
   test("limits nesting instead of exhausting the stack", () => {
-    assert.equal(readJson("[".repeat(512) + "]".repeat(512)).length, 1);
     assert.throws(() => readJson("[".repeat(100000)), {
       name: "SyntaxError",
-      message: "Invalid JSON at offset 512: nesting too deep",
+      message: "Invalid JSON at offset 1000: nesting too deep",
     });
+  });
+});
+
+test.describe("readJson's nesting limit, the host's: the outermost array or object is level 1", () => {
+  const arrays = (n) => "[".repeat(n) + "]".repeat(n);
+  const objects = (n) => '{"k": '.repeat(n - 1) + "{}" + "}".repeat(n - 1);
+  const mixed = (pairs) => '[{"k": '.repeat(pairs) + "0" + "}]".repeat(pairs);
+  const tooDeep = (offset) => ({
+    name: "SyntaxError",
+    message: "Invalid JSON at offset " + offset + ": nesting too deep",
+  });
+
+  test("a thousand nested arrays read, all the way down", () => {
+    let level = readJson(arrays(1000));
+    let depth = 1;
+    while (level.length > 0) {
+      assert.equal(level.length, 1);
+      level = level[0];
+      depth += 1;
+    }
+    assert.equal(depth, 1000);
+    assert.equal(writeJson(readJson(arrays(1000))), arrays(1000));
+  });
+
+  test("a thousand and one fail at the opening bracket of the last level", () => {
+    assert.throws(() => readJson(arrays(1001)), tooDeep(1000));
+  });
+
+  test("the bound holds for objects", () => {
+    assert.equal(writeJson(readJson(objects(1000))), objects(1000));
+    assert.throws(() => readJson(objects(1001)), tooDeep(6000));
+  });
+
+  test("the bound holds for mixed nesting", () => {
+    assert.equal(writeJson(readJson(mixed(500))), mixed(500));
+    assert.throws(() => readJson("[" + mixed(500) + "]"), tooDeep(3495));
+    assert.throws(() => readJson('{"x": ' + mixed(500) + "}"), tooDeep(3500));
+  });
+
+  test("the depth of a value counts, not its position", () => {
+    const inside = readJson("[1, " + arrays(999) + ', "end"]');
+    assert.equal(inside.length, 3);
+    assert.equal(inside[2], "end");
+    assert.throws(() => readJson("[1, " + arrays(1000) + ', "end"]'), tooDeep(1003));
+  });
+
+  test("the page reads a thousand-level service list entry as the host would", () => {
+    // A list whose entry holds a thousand-level value is read up to the
+    // entry's fields; one level more is refused as a whole.
+    const deepValue = arrays(998);
+    assert.deepEqual(wevlin.parseServiceList('[{"FQN": "a", "SvcVersion": "1", "x": ' + deepValue + "}]"), [
+      { fqn: "a", version: "1" },
+    ]);
+    assert.throws(
+      () => wevlin.parseServiceList('[{"FQN": "a", "SvcVersion": "1", "x": ' + arrays(999) + "}]"),
+      { name: "SyntaxError", message: /nesting too deep$/ },
+    );
   });
 
   test("reads back everything writeJson writes", () => {

@@ -4,6 +4,7 @@ const test = require("node:test");
 const assert = require("node:assert/strict");
 const vm = require("node:vm");
 const wevlin = require("../src/wevlin.js");
+const testing = require("../src/wevlin-testing.js");
 
 const STARTUP_JSON =
   '{"FQN": "tavo.wevlin.infrastructure.services.startup.StartupNotification.host", "SvcVersion": "_2014_02"}';
@@ -12,7 +13,7 @@ const STARTUP_JSON =
 function setup(options) {
   const settings = options || {};
   const scope = {};
-  const host = wevlin.createMemoryHost({ target: scope, ...settings.host });
+  const host = testing.createMemoryHost({ target: scope, ...settings.host });
   const page = wevlin.createPage({ transport: host.syncTransport, ...settings.page });
   page.install(scope);
   return { scope, host, page };
@@ -62,7 +63,7 @@ test.describe("the handshake", () => {
   });
 
   test("fails to LoadedNoTalk with the host's log line when the page defines nothing", () => {
-    const host = wevlin.createMemoryHost({ target: {} });
+    const host = testing.createMemoryHost({ target: {} });
     assert.equal(host.hostObject.tavoHost_WebSideStartHandShake(), "");
     assert.deepEqual(host.stateHistory, ["Initializing", "LoadedNoTalk"]);
     assert.deepEqual(host.log, ["Caught exception running tavoInterop_Ping"]);
@@ -70,7 +71,7 @@ test.describe("the handshake", () => {
 
   test("logs a failing startup notification and stays LoadedCanTalk", () => {
     const scope = {};
-    const host = wevlin.createMemoryHost({ target: scope });
+    const host = testing.createMemoryHost({ target: scope });
     const page = wevlin.createPage({ transport: host.syncTransport }).install(scope);
     scope.tavoInterop_WebEvent = () => '{"Exception": {"name": "Error", "message": "nope"}}';
     host.hostObject.tavoHost_WebSideStartHandShake();
@@ -126,7 +127,7 @@ test.describe("the handshake", () => {
 
   test("answers a page list that is not an array with the host's record", () => {
     const scope = {};
-    const host = wevlin.createMemoryHost({ target: scope });
+    const host = testing.createMemoryHost({ target: scope });
     wevlin.createPage().install(scope);
     scope.tavoInterop_RequestWebServiceList = () => "{}";
     assert.equal(
@@ -203,18 +204,18 @@ test.describe("host functions", () => {
   });
 
   test("registration refuses empty names with the host's messages", () => {
-    const host = wevlin.createMemoryHost();
+    const host = testing.createMemoryHost();
     assert.throws(() => host.registerService("", "1"), { name: "std::invalid_argument", message: "fqn" });
     assert.throws(() => host.registerService("a", ""), { name: "std::invalid_argument", message: "version" });
   });
 
   test("tavoHostPing answers with the host's version", () => {
-    assert.equal(wevlin.createMemoryHost().hostObject.tavoHostPing(), "0.9");
-    assert.equal(wevlin.createMemoryHost({ version: "1.2" }).hostObject.tavoHostPing(), "1.2");
+    assert.equal(testing.createMemoryHost().hostObject.tavoHostPing(), "0.9");
+    assert.equal(testing.createMemoryHost({ version: "1.2" }).hostObject.tavoHostPing(), "1.2");
   });
 
   test("the page's list update accepts only Replace, in any case", () => {
-    const host = wevlin.createMemoryHost();
+    const host = testing.createMemoryHost();
     const update = host.hostObject.tavoHost_WebSideServiceListUpdate;
     assert.equal(update("rEpLaCe", '[{"FQN": "a", "SvcVersion": "1"}]'), "");
     assert.deepEqual(host.webServices(), [{ fqn: "a", version: "1" }]);
@@ -226,7 +227,7 @@ test.describe("host functions", () => {
   });
 
   test("records every call with its answer", () => {
-    const host = wevlin.createMemoryHost();
+    const host = testing.createMemoryHost();
     host.hostObject.tavoHostPing();
     host.hostObject.tavoHostMethod("{}", "x");
     assert.deepEqual(host.calls, [
@@ -241,7 +242,7 @@ test.describe("host functions", () => {
   });
 
   test("the binding object answers later, with a Promise", async () => {
-    const host = wevlin.createMemoryHost();
+    const host = testing.createMemoryHost();
     const answer = host.bindingObject.tavoHostPing();
     assert.deepEqual(host.calls, []);
     assert.equal(await answer, "0.9");
@@ -331,7 +332,7 @@ test.describe("calls into the page", () => {
 
   test("can run the real script lines through a script engine", async () => {
     const context = vm.createContext({});
-    const host = wevlin.createMemoryHost({ evaluate: (line) => vm.runInContext(line, context) });
+    const host = testing.createMemoryHost({ evaluate: (line) => vm.runInContext(line, context) });
     const page = wevlin.createPage({ transport: host.syncTransport }).install(context);
     const received = [];
     page.register("c.client", "1", { method: (payload) => (received.push(payload), "answer") });
@@ -350,29 +351,29 @@ test.describe("calls into the page", () => {
 
 test.describe("options", () => {
   test("refuse unknown states and scopes", () => {
-    assert.throws(() => wevlin.createMemoryHost({ contentState: "Ready" }), {
+    assert.throws(() => testing.createMemoryHost({ contentState: "Ready" }), {
       name: "TypeError",
       message: "Unknown content state: Ready",
     });
-    assert.throws(() => wevlin.createMemoryHost().registerService("a", "1", {}, { scope: "global" }), {
+    assert.throws(() => testing.createMemoryHost().registerService("a", "1", {}, { scope: "global" }), {
       name: "TypeError",
       message: 'The scope must be "manager" or "instance"',
     });
   });
 
   test("can leave out the startup-notification service", () => {
-    const host = wevlin.createMemoryHost({ startupNotificationService: false });
+    const host = testing.createMemoryHost({ startupNotificationService: false });
     assert.deepEqual(host.hostServices(), []);
-    assert.deepEqual(wevlin.createMemoryHost().hostServices(), [wevlin.SERVICES.STARTUP_NOTIFICATION]);
+    assert.deepEqual(testing.createMemoryHost().hostServices(), [wevlin.SERVICES.STARTUP_NOTIFICATION]);
   });
 });
 
 test("content states are only the eight names", () => {
   for (const state of ["toString", "constructor", "__proto__"]) {
-    assert.throws(() => wevlin.createMemoryHost({ contentState: state }), {
+    assert.throws(() => testing.createMemoryHost({ contentState: state }), {
       name: "TypeError",
       message: "Unknown content state: " + state,
     });
   }
-  assert.throws(() => wevlin.createMemoryHost().setContentState("hasOwnProperty"), { name: "TypeError" });
+  assert.throws(() => testing.createMemoryHost().setContentState("hasOwnProperty"), { name: "TypeError" });
 });

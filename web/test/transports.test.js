@@ -3,6 +3,7 @@
 const test = require("node:test");
 const assert = require("node:assert/strict");
 const wevlin = require("../src/wevlin.js");
+const testing = require("../src/wevlin-testing.js");
 
 // A binding shaped like globalThis.wevlinHost: five functions answering with
 // Promises of strings; each call is recorded with the receiver it got.
@@ -158,7 +159,7 @@ test.describe("a page over each transport", () => {
   for (const kind of ["transport", "syncTransport"]) {
     test("runs the handshake and calls a host service over the memory host's " + kind, async () => {
       const scope = {};
-      const host = wevlin.createMemoryHost({ target: scope });
+      const host = testing.createMemoryHost({ target: scope });
       host.registerService("a.b.host", "_2014_07", { method: (payload) => "echo " + payload });
       const page = wevlin.createPage({ transport: host[kind], version: "2.1" });
       page.register("c.client", "_2014_07", { method: () => "from page" });

@@ -1,7 +1,6 @@
 // Compiled by `npm run typecheck`: the declarations seen from CommonJS code.
 import {
   createPage,
-  createMemoryHost,
   createBindingTransport,
   createHostObjectTransport,
   detectTransport,
@@ -19,12 +18,15 @@ import {
   type Transport,
   type HostBinding,
 } from "wevlin";
+import { createMemoryHost, MemoryHost, type RecordedCall } from "wevlin/testing";
 
 const host = createMemoryHost({ version: "0.9", contentState: "Waiting", quoting: true });
 host.registerService(WIRE_NAMES.CLIENT_STATUS_HOST, VERSIONS._2014_07, {
   event: (payload: string) => void payload,
 });
 const transport: Transport = host.transport;
+const sameHost: MemoryHost = host;
+const recorded: RecordedCall[] = sameHost.calls;
 const binding: HostBinding = host.bindingObject;
 const page = createPage({
   transport,
@@ -61,4 +63,4 @@ const other: Transport = createBindingTransport(binding);
 const direct: Transport = createHostObjectTransport(host.hostObject);
 page.on("hostservices", (services) => services.map((service) => service.fqn));
 unregister();
-export { run, list, state, value, detected, other, direct };
+export { run, list, state, value, detected, other, direct, recorded };

@@ -10,7 +10,6 @@
 #include "support/CountingService.h"
 #include "support/ExceptionChecks.h"
 #include "support/HostCleanup.h"
-#include "support/ScriptedPage.h"
 #include "support/StdoutCapture.h"
 #include "support/TimerEnvironmentScope.h"
 #include "wevlin/infrastructure/base/IListChangeListener.h"
@@ -21,11 +20,13 @@
 #include "wevlin/infrastructure/interop/TargetConfig.h"
 #include "wevlin/infrastructure/interop/WebSideServiceDescriptor.h"
 #include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
+#include "wevlin/testing/ScriptedPage.h"
 
 namespace {
 
 namespace base = Com::Velmora::TAVO::Wevlin::Infrastructure::Base;
 namespace interop = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
+using Com::Velmora::TAVO::Wevlin::Testing::ScriptedPage;
 using interop::BaseServiceDescriptor;
 using interop::DataServiceDescriptor;
 using interop::HostContentState;
@@ -38,7 +39,6 @@ using interop::internal::HostManagerTestPeer;
 using wevlin_test::CountingService;
 using wevlin_test::DestroyHostControlInstance;
 using wevlin_test::RestoreHostManager;
-using wevlin_test::ScriptedPage;
 using wevlin_test::ServiceProbe;
 using wevlin_test::StdoutCapture;
 using wevlin_test::ThrowsExactly;

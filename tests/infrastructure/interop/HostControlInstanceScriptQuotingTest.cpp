@@ -10,17 +10,17 @@
 
 #include "support/CountingService.h"
 #include "support/HostedPageFixture.h"
-#include "support/ScriptedPage.h"
 #include "wevlin/infrastructure/interop/BaseServiceDescriptor.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
 #include "wevlin/infrastructure/interop/ScriptQuoting.h"
+#include "wevlin/testing/ScriptedPage.h"
 
 namespace {
 
 namespace interop = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
+using Com::Velmora::TAVO::Wevlin::Testing::ScriptedPage;
 using interop::BaseServiceDescriptor;
 using interop::ScriptQuoting;
-using wevlin_test::ScriptedPage;
 using Strings = std::vector<std::string>;
 
 // The descriptor JSON of tavo.page.Echo.client as each mode writes it.

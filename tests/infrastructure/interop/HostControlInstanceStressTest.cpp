@@ -20,7 +20,6 @@
 #include "support/CountingService.h"
 #include "support/HostCleanup.h"
 #include "support/RecordingPropertyListener.h"
-#include "support/ScriptedPage.h"
 #include "support/TimerEnvironmentScope.h"
 #include "wevlin/infrastructure/base/LogSink.h"
 #include "wevlin/infrastructure/interop/HostAPI.h"
@@ -29,11 +28,13 @@
 #include "wevlin/infrastructure/interop/TargetConfig.h"
 #include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
 #include "wevlin/infrastructure/interop/internal/TimerEnvironment.h"
+#include "wevlin/testing/ScriptedPage.h"
 
 namespace {
 
 namespace base = Com::Velmora::TAVO::Wevlin::Infrastructure::Base;
 namespace interop = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
+using Com::Velmora::TAVO::Wevlin::Testing::ScriptedPage;
 using interop::HostAPI;
 using interop::HostContentState;
 using interop::HostControlInstance;
@@ -45,7 +46,6 @@ using wevlin_test::CountingService;
 using wevlin_test::DestroyHostControlInstance;
 using wevlin_test::RecordingPropertyListener;
 using wevlin_test::RestoreHostManager;
-using wevlin_test::ScriptedPage;
 using wevlin_test::TimerEnvironmentScope;
 
 constexpr int kThreads = 8;

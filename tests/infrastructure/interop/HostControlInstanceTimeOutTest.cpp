@@ -16,18 +16,19 @@
 
 #include "support/HostCleanup.h"
 #include "support/RecordingPropertyListener.h"
-#include "support/ScriptedPage.h"
 #include "support/StdoutCapture.h"
 #include "support/TimerEnvironmentScope.h"
 #include "wevlin/infrastructure/interop/HostManager.h"
 #include "wevlin/infrastructure/interop/TargetConfig.h"
 #include "wevlin/infrastructure/interop/internal/HostManagerTestPeer.h"
 #include "wevlin/infrastructure/interop/internal/TimerEnvironment.h"
+#include "wevlin/testing/ScriptedPage.h"
 
 namespace {
 
 namespace base = Com::Velmora::TAVO::Wevlin::Infrastructure::Base;
 namespace interop = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
+using Com::Velmora::TAVO::Wevlin::Testing::ScriptedPage;
 using interop::HostContentState;
 using interop::HostControlInstance;
 using interop::HostManager;
@@ -37,7 +38,6 @@ using interop::internal::HostManagerTestPeer;
 using wevlin_test::DestroyHostControlInstance;
 using wevlin_test::ManualTimerQueue;
 using wevlin_test::RecordingPropertyListener;
-using wevlin_test::ScriptedPage;
 using wevlin_test::SimulatedClock;
 using wevlin_test::StdoutCapture;
 using wevlin_test::TimerEnvironmentScope;

@@ -58,6 +58,9 @@ class ListChangeEvent : public EventObject {
       case Reset:
         break;
       default:
+        // By pointer on purpose: the exported interface throws a newly
+        // allocated std::exception for an action it does not know.
+        // NOLINTNEXTLINE(misc-throw-by-value-catch-by-reference,cert-err09-cpp,cert-err61-cpp)
         throw new std::exception();
     }
   }

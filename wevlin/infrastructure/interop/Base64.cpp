@@ -21,7 +21,7 @@ struct PairTable {
 
 constexpr PairTable MakePairTable() {
   PairTable table{};
-  for (int value = 0; value < 4096; ++value) {
+  for (std::size_t value = 0; value < 4096; ++value) {
     table.chars[2 * value] = kAlphabet[value >> 6];
     table.chars[2 * value + 1] = kAlphabet[value & 0x3f];
   }
@@ -53,7 +53,7 @@ inline std::uint64_t LoadBigEndian64(const unsigned char* p) {
 }
 
 inline void PutPair(char* dst, std::uint32_t twelveBits) {
-  std::memcpy(dst, &kPairs.chars[2 * twelveBits], 2);
+  std::memcpy(dst, &kPairs.chars[2 * std::size_t{twelveBits}], 2);
 }
 
 // The three output bytes of a group, as the class comment gives them; the
@@ -125,7 +125,7 @@ void Base64::EncodeString(const std::string& in, std::string& out) {
   }
 
   const auto* src = reinterpret_cast<const unsigned char*>(in.data());
-  char* dst = &out[0];
+  char* dst = out.data();
   std::size_t group = 0;
   // Two groups at a time while eight bytes can be read: the six bytes of two
   // groups, read as one big-endian number, give four 12-bit pair indexes.
@@ -179,7 +179,7 @@ void Base64::DecodeString(const std::string& in, std::string& out) {
   }
 
   const auto* src = reinterpret_cast<const unsigned char*>(in.data());
-  auto* dst = reinterpret_cast<unsigned char*>(&out[0]);
+  auto* dst = reinterpret_cast<unsigned char*>(out.data());
   for (std::size_t group = 0; group < groups; ++group) {
     const std::uint32_t bytes =
         kShare0[src[0]] + kShare1[src[1]] + kShare2[src[2]] + kShare3[src[3]];

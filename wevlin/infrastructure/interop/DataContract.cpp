@@ -198,7 +198,7 @@ bool AddInt(void* context, const std::string& text) {
 }
 
 bool AddFloat(void* context, const std::string& text) {
-  float value = 0.0f;
+  float value = 0.0F;
   internal::ReadJsonFloatView(text, value);
   VectorAt<float>(context).push_back(value);
   return true;
@@ -345,7 +345,7 @@ void DataContract::RegisterCollection(const std::string& name, void* context,
 void DataContract::AddField(FieldDescription* field) {
   std::unique_ptr<FieldDescription> owned(field);
   fields_->push_back(owned.get());
-  owned.release();
+  static_cast<void>(owned.release());  // the list owns it now
 }
 
 }  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop

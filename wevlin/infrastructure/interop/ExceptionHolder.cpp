@@ -10,6 +10,7 @@ ExceptionHolder::ExceptionHolder(const ExceptionHolder& other)
 }
 
 ExceptionHolder& ExceptionHolder::operator=(const ExceptionHolder& other) {
+  if (this == &other) return *this;
   Exception = other.Exception;
   return *this;
 }

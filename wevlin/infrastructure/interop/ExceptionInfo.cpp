@@ -34,6 +34,7 @@ ExceptionInfo::ExceptionInfo(const ExceptionInfo& other)
 }
 
 ExceptionInfo& ExceptionInfo::operator=(const ExceptionInfo& other) {
+  if (this == &other) return *this;
   name = other.name;
   message = other.message;
   return *this;

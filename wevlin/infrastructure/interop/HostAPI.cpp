@@ -23,8 +23,7 @@ std::string AnswerForScript(Call&& call) {
 
 }  // namespace
 
-HostAPI::HostAPI(IHostControlInstance* instance)
-    : hostManager(nullptr), hostControlInstance(instance) {
+HostAPI::HostAPI(IHostControlInstance* instance) : hostControlInstance(instance) {
   if (hostControlInstance != nullptr) hostManager = hostControlInstance->GetGlobalConfig();
 }
 
@@ -69,14 +68,14 @@ std::string HostAPI::tavoHostPing() {
 }
 
 std::string HostAPI::tavoHost_WebSideServiceListUpdate(std::string action, std::string listJson) {
-  if (hostControlInstance == nullptr) return std::string();
+  if (hostControlInstance == nullptr) return {};
   return AnswerForScript([&] {
     return hostControlInstance->WebSideServiceListUpdate(std::move(action), std::move(listJson));
   });
 }
 
 std::string HostAPI::tavoHost_WebSideStartHandShake() {
-  if (hostControlInstance == nullptr) return std::string();
+  if (hostControlInstance == nullptr) return {};
   return AnswerForScript([&] {
     hostControlInstance->WebSideStartHandShake();
     return std::string();

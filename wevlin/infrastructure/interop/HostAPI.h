@@ -50,7 +50,7 @@ class WEVLIN_EXPORT HostAPI {
  private:
   IHostServiceDescriptor* Resolve(const std::string& descriptorJson);
 
-  IHostManager* hostManager;
+  IHostManager* hostManager = nullptr;
   IHostControlInstance* hostControlInstance;
 };
 

@@ -109,18 +109,15 @@ const std::string HostControlInstance::WEBSIDEFUNCNAME_REQUESTWEBSIDELIST =
 
 HostControlInstance::HostControlInstance(IWebControl* webControl)
     : webControl(webControl),
-      contentState(NoContent),
-      activeTarget(nullptr),
-      knownServices(nullptr),
-      knownWebSideServices(nullptr),
-      canTalk(false),
       hostManager(HostManager::TheInstance()),
-      activeContent(false),
-      timer(nullptr),
       timeOutInterval(kDefaultTimeOutMs) {
   hostManager->KnownServices()->AddChangeListener(this);
+  // The lists are created after the registration above: should it throw,
+  // nothing is left to free.
+  // NOLINTBEGIN(cppcoreguidelines-prefer-member-initializer)
   knownServices = new Base::ObservableList<IHostServiceDescriptor*>();
   knownWebSideServices = new Base::ObservableList<ITargetServiceDesc*>();
+  // NOLINTEND(cppcoreguidelines-prefer-member-initializer)
   webControl->AddLoadObserver(this);
 }
 
@@ -278,9 +275,8 @@ void HostControlInstance::OnLoadCompleted() {
   // standard exception of the handshake (a page's service list that is not
   // JSON, say) ends here, in the log; the state stays as the handshake left it.
   try {
-    if (state == Navigating) {
-      PingWebSide();
-    } else if (state == Initializing) {
+    // Initializing shakes hands; every other state, Navigating included, pings.
+    if (state == Initializing) {
       DoHandShake();
     } else {
       PingWebSide();
@@ -513,7 +509,7 @@ std::string HostControlInstance::WebSideServiceListUpdate(std::string action,
   for (const auto& descriptor : descriptors) {
     knownWebSideServices->Add(new WebSideServiceDescriptor(descriptor.get()));
   }
-  return std::string();
+  return {};
 }
 
 Base::IObservableList<ITargetServiceDesc*>* HostControlInstance::GetKnownWebSideServices() const {

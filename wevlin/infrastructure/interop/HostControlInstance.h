@@ -224,15 +224,15 @@ class WEVLIN_EXPORT HostControlInstance : public IHostControlInstance,
   IHostServiceDescriptor* DoLookupService(std::string fqn, std::string version);
 
   IWebControl* webControl;
-  HostContentState contentState;
-  TargetConfig* activeTarget;
-  Base::ObservableList<IHostServiceDescriptor*>* knownServices;
-  Base::ObservableList<ITargetServiceDesc*>* knownWebSideServices;
-  bool canTalk;
+  HostContentState contentState = NoContent;
+  TargetConfig* activeTarget = nullptr;
+  Base::ObservableList<IHostServiceDescriptor*>* knownServices = nullptr;
+  Base::ObservableList<ITargetServiceDesc*>* knownWebSideServices = nullptr;
+  bool canTalk = false;
   std::string webSideVersion;
   IHostManager* hostManager;
-  bool activeContent;
-  Timer* timer;
+  bool activeContent = false;
+  Timer* timer = nullptr;
   unsigned int timeOutInterval;
   // Read by whichever thread calls into the page (asynchronous replies may
   // come from any thread), so atomic.

@@ -50,7 +50,9 @@ IHostServiceDescriptor* HostManager::LookupService(DataServiceDescriptor* servic
 
 IHostServiceDescriptor* HostManager::DoLookupService(std::string fqn, std::string version) {
   // The first entry, in list order, with both texts equal; the list keeps an
-  // index for this (every constructor creates an IndexedServiceList).
+  // index for this (every constructor creates an IndexedServiceList, and the
+  // field keeps the base type the exported class layout declares).
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-static-cast-downcast)
   return static_cast<internal::IndexedServiceList*>(knownServices_)->Find(fqn, version);
 }
 

@@ -20,7 +20,7 @@ IWebControl::IWebControl() = default;
 
 IWebControl::IWebControl(const IWebControl& other) = default;
 
-IWebControl& IWebControl::operator=(const IWebControl& other) = default;
+IWebControl& IWebControl::operator=(const IWebControl& /*other*/) = default;
 
 IWebControl::~IWebControl() = default;
 

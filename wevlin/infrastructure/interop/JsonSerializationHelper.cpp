@@ -32,10 +32,10 @@ std::string GetJsonForException(const std::exception& e) {
 
 template <>
 std::string Serialize<std::vector<DataServiceDescriptor*>>(
-    const std::vector<DataServiceDescriptor*>& list) {
+    const std::vector<DataServiceDescriptor*>& value) {
   std::string text = "[";
   bool first = true;
-  for (const DataServiceDescriptor* descriptor : list) {
+  for (const DataServiceDescriptor* descriptor : value) {
     if (!first) text += ", ";
     first = false;
     text += descriptor->ToJsonString();

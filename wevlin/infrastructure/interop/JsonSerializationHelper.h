@@ -44,7 +44,7 @@ T* Deserialize(std::string text);
 // empty list gives []. Precondition: no element is null.
 template <>
 WEVLIN_EXPORT std::string Serialize<std::vector<DataServiceDescriptor*>>(
-    const std::vector<DataServiceDescriptor*>& list);
+    const std::vector<DataServiceDescriptor*>& value);
 
 // Returns a new vector (never null) of new descriptors read from the JSON
 // array `text`; the caller owns the vector and every element. Elements that do

@@ -127,9 +127,9 @@ constexpr std::uint64_t kSeventeenDigits = 100000000000000000;  // 10^17
 // "00" to "99", for writing digits two at a time.
 constexpr std::array<char, 200> MakeDigitPairs() {
   std::array<char, 200> pairs{};
-  for (int i = 0; i < 100; ++i) {
-    pairs[static_cast<std::size_t>(2 * i)] = static_cast<char>('0' + i / 10);
-    pairs[static_cast<std::size_t>(2 * i + 1)] = static_cast<char>('0' + i % 10);
+  for (std::size_t i = 0; i < 100; ++i) {
+    pairs[2 * i] = static_cast<char>('0' + i / 10);
+    pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
   }
   return pairs;
 }
@@ -208,11 +208,11 @@ char* WriteSeventeenDigits(char* out, double value) {
   auto high = static_cast<std::uint32_t>(digits / 100000000);
   auto low = static_cast<std::uint32_t>(digits % 100000000);
   for (int i = 16; i > 8; i -= 2) {
-    std::memcpy(text + i - 1, &kDigitPairs[2 * (low % 100)], 2);
+    std::memcpy(text + i - 1, &kDigitPairs[2 * std::size_t{low % 100}], 2);
     low /= 100;
   }
   for (int i = 8; i > 0; i -= 2) {
-    std::memcpy(text + i - 1, &kDigitPairs[2 * (high % 100)], 2);
+    std::memcpy(text + i - 1, &kDigitPairs[2 * std::size_t{high % 100}], 2);
     high /= 100;
   }
   text[0] = static_cast<char>('0' + high);
@@ -646,8 +646,8 @@ struct Slice {
 
 struct Property {
   std::string name;
-  Slice value;
-  std::size_t order;  // position in the text, so that the last duplicate wins
+  Slice value{};
+  std::size_t order = 0;  // position in the text, so that the last duplicate wins
 };
 
 class Reader {
@@ -1102,7 +1102,7 @@ bool ReadJsonInt(const std::string& text, int& out) { return ReadJsonIntView(tex
 
 bool ReadJsonFloatView(std::string_view text, float& out) {
   text = TrimJsonTextView(text);
-  float value = 0.0f;
+  float value = 0.0F;
   if (!FastFloating(text, 30, value) && !StreamExtract(text, value)) Fail(kNotAFloat);
   out = value;
   return true;
@@ -1247,7 +1247,9 @@ namespace {
 // cuts the string to what was written.
 class Writer {
  public:
-  explicit Writer(std::string& out) : out_(out), used_(out.size()) {}
+  // The cursor starts at the end of the text already in `out`, with no room
+  // reserved yet, so that it always points into the string.
+  explicit Writer(std::string& out) : out_(out), p_(out.data() + out.size()), end_(p_) {}
   Writer(const Writer&) = delete;
   Writer& operator=(const Writer&) = delete;
   ~Writer() { out_.resize(static_cast<std::size_t>(p_ - out_.data())); }
@@ -1377,16 +1379,15 @@ class Writer {
   // own capacity still grows by doubling (linear cost), but the memory it
   // reserves beyond the text is never touched, as with appending.
   void Grow(std::size_t size) {
-    const std::size_t used = p_ == nullptr ? used_ : static_cast<std::size_t>(p_ - out_.data());
+    const auto used = static_cast<std::size_t>(p_ - out_.data());
     out_.resize(used + size + std::min<std::size_t>(used, 65536));
-    p_ = &out_[0] + used;
-    end_ = &out_[0] + out_.size();
+    p_ = out_.data() + used;
+    end_ = out_.data() + out_.size();
   }
 
   std::string& out_;
-  const std::size_t used_;  // the length of `out_` before writing
-  char* p_ = nullptr;
-  char* end_ = nullptr;
+  char* p_;    // where the next character goes
+  char* end_;  // the end of the room reserved in `out_`
 };
 
 }  // namespace

@@ -62,7 +62,7 @@ namespace {
 // destroyed late at process exit can still compare against it).
 JsonValueBody* SharedNullBody() noexcept {
   alignas(JsonValueBody) static unsigned char storage[sizeof(JsonValueBody)];
-  static JsonValueBody* const body = new (storage) JsonValueBody();
+  static auto* const body = new (storage) JsonValueBody();
   return body;
 }
 
@@ -95,7 +95,7 @@ JsonValue::JsonValue(const JsonValue& other) : body_(new JsonValueBody(*other.bo
 JsonValue& JsonValue::operator=(const JsonValue& other) {
   if (this != &other) {
     // Copy before releasing the old body: `other` may live inside it.
-    JsonValueBody* copy = new JsonValueBody(*other.body_);
+    auto* copy = new JsonValueBody(*other.body_);
     if (body_ != SharedNullBody()) delete body_;
     body_ = copy;
   }

@@ -18,12 +18,12 @@ using Base::internal::WriteLogLine;
 // One call of a handler that a check is making right now. It lives on the
 // stack of the check and is listed in TimerState::calls while the call runs.
 struct CallInProgress {
-  const Timer* timer;
+  const Timer* timer = nullptr;
   std::thread::id thread;
   // Set by the timer's destructor when it runs during the call, so that the
   // check does not look the pointer up again afterwards (a new timer may by
   // then live at the same address).
-  bool timerDeleted;
+  bool timerDeleted = false;
 };
 
 // What all timers share. Every member is guarded by `mutex`.

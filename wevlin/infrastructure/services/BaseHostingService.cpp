@@ -18,8 +18,9 @@ std::string BaseHostingService::GetFQN() const { return fqn_; }
 std::string BaseHostingService::GetSvcVersion() const { return version_; }
 
 Interop::IHostServiceInteraction* BaseHostingService::GetInteraction() const {
-  // The interaction is this very object; the interface hands it out mutable.
-  return const_cast<BaseHostingService*>(this);
+  // The interaction is this very object; the interface hands it out mutable
+  // from a const operation.
+  return const_cast<BaseHostingService*>(this);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
 }
 
 std::string BaseHostingService::InvokeMethod(Interop::IHostControlInstance* instance,
@@ -37,7 +38,7 @@ void BaseHostingService::InvokeEvent(Interop::IHostControlInstance* instance,
 std::string BaseHostingService::DoInvokeMethod(Interop::IHostControlInstance* /*instance*/,
                                                Interop::IHostServiceDescriptor* /*descriptor*/,
                                                std::string /*payload*/) {
-  return std::string();
+  return {};
 }
 
 void BaseHostingService::DoInvokeEvent(Interop::IHostControlInstance* /*instance*/,

@@ -4,16 +4,12 @@ namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services {
 
 Pair::Pair() { RegisterFields(); }
 
-Pair::Pair(const std::string& key, const std::string& value) {
+Pair::Pair(const std::string& key, const std::string& value) : Key(key), Value(value) {
   RegisterFields();
-  Key = key;
-  Value = value;
 }
 
-Pair::Pair(const Pair& other) : DataContract(other) {
+Pair::Pair(const Pair& other) : DataContract(other), Key(other.Key), Value(other.Value) {
   RegisterFields();
-  Key = other.Key;
-  Value = other.Value;
 }
 
 Pair& Pair::operator=(const Pair& other) {

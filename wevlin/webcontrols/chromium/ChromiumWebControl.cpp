@@ -54,16 +54,18 @@ constexpr char kCrashedText[] = "The page's renderer process crashed";
 // RunUntil checks its condition at least this often.
 constexpr std::chrono::milliseconds kPollInterval{10};
 
+// The two below read the environment when a control starts; the library never
+// changes the environment, so std::getenv has no setenv of ours to race with.
 std::string ExecutableFor(const ChromiumOptions& options) {
   if (!options.executable.empty()) return options.executable;
-  const char* variable = std::getenv(kExecutableVariable);
+  const char* variable = std::getenv(kExecutableVariable);  // NOLINT(concurrency-mt-unsafe)
   if (variable != nullptr && *variable != '\0') return variable;
   return kDefaultExecutable;
 }
 
 bool TraceWanted(const ChromiumOptions& options) {
   if (options.traceProtocol) return true;
-  const char* variable = std::getenv(kTraceVariable);
+  const char* variable = std::getenv(kTraceVariable);  // NOLINT(concurrency-mt-unsafe)
   return variable != nullptr && std::string(variable) == "1";
 }
 
@@ -97,7 +99,7 @@ std::string ShimSource() {
 }
 
 std::string StringOf(const Json& object, const char* key) {
-  if (!object.is_object()) return std::string();
+  if (!object.is_object()) return {};
   const auto it = object.find(key);
   return it != object.end() && it->is_string() ? it->get<std::string>() : std::string();
 }
@@ -485,19 +487,18 @@ ScriptException ChromiumWebControl::Impl::ScriptFailure(const ChromiumError& err
     } catch (const ChromiumError&) {
       // Nothing more to stop.
     }
-    return ScriptException(error.what(), "The script was stopped.");
+    return {error.what(), "The script was stopped."};
   }
-  return ScriptException(error.what(), std::string());
+  return {error.what(), std::string()};
 }
 
 ScriptException ChromiumWebControl::Impl::UncopyableValue(const ChromiumError& error) {
   const std::string prefix = "Runtime.evaluate failed: ";
   std::string reason = error.what();
   if (reason.rfind(prefix, 0) == 0) reason.erase(0, prefix.size());
-  return ScriptException(
-      "The browser cannot copy the script's value (" + reason + ")",
-      "The script ran, but its value is not plain data: return one without cycles or symbols, "
-      "and without BigInts inside objects");
+  return {"The browser cannot copy the script's value (" + reason + ")",
+          "The script ran, but its value is not plain data: return one without cycles or symbols, "
+          "and without BigInts inside objects"};
 }
 
 void ChromiumWebControl::Impl::ReleaseScriptObjects() {

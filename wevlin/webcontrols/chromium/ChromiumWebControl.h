@@ -10,6 +10,7 @@
 
 #include "wevlin/infrastructure/interop/HostAPI.h"
 #include "wevlin/infrastructure/interop/IWebControl.h"
+#include "wevlin/webcontrols/chromium/ChromiumError.h"
 #include "wevlin/webcontrols/chromium/ChromiumOptions.h"
 #include "wevlin/webcontrols/chromium/wevlin_chromium_export.h"
 

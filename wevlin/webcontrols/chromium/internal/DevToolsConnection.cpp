@@ -34,7 +34,9 @@ std::string NotAnsweringText(const std::string& method, std::chrono::millisecond
 
 }  // namespace
 
-struct DevToolsConnection::PendingCall {
+// Only nlohmann::json's destructor may throw here: it allocates a work list to
+// free deeply nested values without recursion.
+struct DevToolsConnection::PendingCall {  // NOLINT(bugprone-exception-escape)
   std::string method;
   std::string sessionId;
   bool done = false;
@@ -155,7 +157,7 @@ void DevToolsConnection::ReadLoop() {
     std::size_t scanFrom = buffer.size();
     buffer.append(chunk.data(), static_cast<std::size_t>(count));
     std::size_t start = 0;
-    std::size_t end;
+    std::size_t end = 0;
     while ((end = buffer.find('\0', scanFrom)) != std::string::npos) {
       Dispatch(buffer.data() + start, end - start);
       start = end + 1;
@@ -164,7 +166,7 @@ void DevToolsConnection::ReadLoop() {
     buffer.erase(0, start);
   }
 
-  bool stopping;
+  bool stopping = false;
   {
     std::lock_guard<std::mutex> lock(mutex_);
     stopping = stopping_;

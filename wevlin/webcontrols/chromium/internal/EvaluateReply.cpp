@@ -33,7 +33,7 @@ std::string LineOf(const std::string& script, std::int64_t index) {
   std::size_t start = 0;
   for (std::int64_t line = 0; line < index; ++line) {
     const std::size_t end = script.find('\n', start);
-    if (end == std::string::npos) return std::string();
+    if (end == std::string::npos) return {};
     start = end + 1;
   }
   std::string line = script.substr(start, script.find('\n', start) - start);
@@ -47,31 +47,31 @@ std::string ThrownText(const Json& exception) {
   if (type == "string" && value != exception.end() && value->is_string()) {
     return value->get<std::string>();
   }
-  const std::string description = StringField(exception, "description");
+  std::string description = StringField(exception, "description");
   if (StringField(exception, "subtype") == "error") return WithoutStack(description);
   if (!description.empty()) return description;
   if (value != exception.end()) return value->dump(-1, ' ', false, Json::error_handler_t::replace);
   if (type == "undefined") return "undefined";
-  return std::string();
+  return {};
 }
 
 // Returns the URL of the script in which the failure happened: the details'
 // own, else that of the stack frame running the same script; "" for the
 // evaluated script itself, which has none.
 std::string FailureUrl(const Json& details) {
-  const std::string url = StringField(details, "url");
+  std::string url = StringField(details, "url");
   if (!url.empty()) return url;
   const std::string scriptId = StringField(details, "scriptId");
   const auto stack = details.find("stackTrace");
-  if (scriptId.empty() || stack == details.end() || !stack->is_object()) return std::string();
+  if (scriptId.empty() || stack == details.end() || !stack->is_object()) return {};
   const auto frames = stack->find("callFrames");
-  if (frames == stack->end() || !frames->is_array()) return std::string();
+  if (frames == stack->end() || !frames->is_array()) return {};
   for (const Json& frame : *frames) {
     if (frame.is_object() && StringField(frame, "scriptId") == scriptId) {
       return StringField(frame, "url");
     }
   }
-  return std::string();
+  return {};
 }
 
 // Writes the finite number `value` as JavaScript's Number.prototype.toString
@@ -87,7 +87,7 @@ std::string JavaScriptNumber(double value) {
   std::string digits = scientific.substr(0, mark);
   digits.erase(std::remove(digits.begin(), digits.end(), '.'), digits.end());
   // The value is 0.<digits> times ten to the power `point`.
-  const int point = std::atoi(scientific.c_str() + mark + 1) + 1;
+  const int point = static_cast<int>(std::strtol(scientific.c_str() + mark + 1, nullptr, 10)) + 1;
   const int count = static_cast<int>(digits.size());
   std::string text = value < 0 ? "-" : "";
   if (count <= point && point <= 21) {
@@ -230,7 +230,7 @@ Infrastructure::Interop::IWebControl::ScriptException MakeScriptException(
   } else {
     details += " of " + url;
   }
-  return Infrastructure::Interop::IWebControl::ScriptException(message, details);
+  return {message, details};
 }
 
 }  // namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal

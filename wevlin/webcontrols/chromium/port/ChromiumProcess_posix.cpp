@@ -1,10 +1,8 @@
-#include <errno.h>
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): POSIX kill() and sigset_t
 #include <spawn.h>
-#include <stdlib.h>
-#include <string.h>
+#include <stdlib.h>  // NOLINT(modernize-deprecated-headers): POSIX mkdtemp()
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -13,7 +11,9 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdio>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <system_error>
 #include <thread>
@@ -21,7 +21,8 @@
 #include "wevlin/webcontrols/chromium/ChromiumError.h"
 #include "wevlin/webcontrols/chromium/internal/ChromiumProcess.h"
 
-extern char** environ;
+// POSIX has the application declare it; glibc does too, but only for _GNU_SOURCE.
+extern char** environ;  // NOLINT(readability-redundant-declaration)
 
 namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal {
 
@@ -33,7 +34,7 @@ constexpr std::chrono::milliseconds kReapTimeout{5000};
 std::string SystemMessage(int error) { return std::system_category().message(error); }
 
 bool IsExecutableFile(const std::string& path) {
-  struct stat info;
+  struct stat info {};
   return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
          ::access(path.c_str(), X_OK) == 0;
 }
@@ -44,19 +45,21 @@ std::string ResolveExecutable(const std::string& executable) {
   if (executable.find('/') != std::string::npos) {
     return IsExecutableFile(executable) ? executable : std::string();
   }
-  const char* path = ::getenv("PATH");
+  const char* path =
+      std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe): the library never sets it
   std::string directories = path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin";
   std::size_t start = 0;
   while (start <= directories.size()) {
     std::size_t end = directories.find(':', start);
     if (end == std::string::npos) end = directories.size();
-    std::string directory = directories.substr(start, end - start);
-    if (directory.empty()) directory = ".";
-    const std::string candidate = directory + "/" + executable;
+    std::string candidate = directories.substr(start, end - start);
+    if (candidate.empty()) candidate = ".";
+    candidate += '/';
+    candidate += executable;
     if (IsExecutableFile(candidate)) return candidate;
     start = end + 1;
   }
-  return std::string();
+  return {};
 }
 
 void CloseQuietly(int& fd) {
@@ -70,6 +73,7 @@ void CloseQuietly(int& fd) {
 // spawn's dup2 onto them never finds source and target equal.
 int MoveAbovePipeDescriptors(int fd) {
   if (fd > 4) return fd;
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): fcntl(2) is variadic
   const int moved = ::fcntl(fd, F_DUPFD_CLOEXEC, 5);
   ::close(fd);
   return moved;
@@ -81,6 +85,7 @@ int MoveAbovePipeDescriptors(int fd) {
 // buffer, so the file is read with the system's calls.
 std::string ReadProcFile(const std::string& path) {
   std::string text;
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): open(2) is variadic
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return text;
   char buffer[4096];
@@ -97,6 +102,20 @@ std::string ReadProcFile(const std::string& path) {
   }
   ::close(fd);
   return text;
+}
+
+// Reads the state letter, the parent's id and the process group, separated by
+// blanks, from the start of `text`; false when one of them is missing.
+bool ReadStatFields(const char* text, char& state, long& parent, long& processGroup) {
+  while (std::isspace(static_cast<unsigned char>(*text)) != 0) ++text;
+  if (*text == '\0') return false;
+  state = *text++;
+  char* end = nullptr;
+  parent = std::strtol(text, &end, 10);
+  if (end == text) return false;
+  text = end;
+  processGroup = std::strtol(text, &end, 10);
+  return end != text;
 }
 
 // Returns the ids of the processes that still run (zombies have ended) and
@@ -118,9 +137,8 @@ std::vector<pid_t> LeftoverProcesses(pid_t group, const std::string& text) {
     char state = 0;
     long parent = 0;
     long processGroup = 0;
-    if (std::sscanf(status.c_str() + close + 1, " %c %ld %ld", &state, &parent, &processGroup) !=
-            3 ||
-        state == 'Z' || state == 'X') {
+    if (!ReadStatFields(status.c_str() + close + 1, state, parent, processGroup) || state == 'Z' ||
+        state == 'X') {
       continue;
     }
     bool ours = processGroup == group;
@@ -186,7 +204,8 @@ ChromiumProcess::ChromiumProcess(const std::string& executable,
   }
 
   LaunchResources resources;
-  const char* tmp = ::getenv("TMPDIR");
+  const char* tmp =
+      std::getenv("TMPDIR");  // NOLINT(concurrency-mt-unsafe): the library never sets it
   const std::string base = tmp != nullptr && *tmp != '\0' ? tmp : "/tmp";
   std::string pattern = base + "/wevlin-chromium-XXXXXX";
   if (::mkdtemp(pattern.data()) == nullptr) {
@@ -216,8 +235,10 @@ ChromiumProcess::ChromiumProcess(const std::string& executable,
     throw ChromiumError(ChromiumError::Kind::LaunchFailed,
                         "Cannot create the browser's DevTools pipe: " + SystemMessage(error));
   }
+  // NOLINTBEGIN(cppcoreguidelines-pro-type-vararg): fcntl(2) is variadic
   ::fcntl(resources.commandPair[0], F_SETFL,
           ::fcntl(resources.commandPair[0], F_GETFL) | O_NONBLOCK);
+  // NOLINTEND(cppcoreguidelines-pro-type-vararg)
 
   // Everything the child needs is prepared before the spawn.
   std::vector<std::string> argumentTexts;
@@ -225,6 +246,7 @@ ChromiumProcess::ChromiumProcess(const std::string& executable,
   argumentTexts.insert(argumentTexts.end(), arguments.begin(), arguments.end());
   argumentTexts.push_back("--user-data-dir=" + pattern);
   std::vector<char*> argv;
+  argv.reserve(argumentTexts.size() + 1);
   for (std::string& text : argumentTexts) argv.push_back(text.data());
   argv.push_back(nullptr);
 
@@ -237,6 +259,7 @@ ChromiumProcess::ChromiumProcess(const std::string& executable,
   environmentTexts.push_back("XDG_CONFIG_HOME=" + configHome);
   environmentTexts.push_back("XDG_CACHE_HOME=" + cacheHome);
   std::vector<char*> envp;
+  envp.reserve(environmentTexts.size() + 1);
   for (std::string& text : environmentTexts) envp.push_back(text.data());
   envp.push_back(nullptr);
 
@@ -352,8 +375,8 @@ bool ChromiumProcess::ObserveExitLocked() {
   // exists, its id (which names its process group) cannot be given to
   // another process, so killing the group never reaches a stranger.
   siginfo_t info;
-  memset(&info, 0, sizeof info);
-  int result;
+  std::memset(&info, 0, sizeof info);
+  int result = 0;
   do {
     result = ::waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOWAIT | WNOHANG);
   } while (result < 0 && errno == EINTR);
@@ -387,7 +410,7 @@ bool ChromiumProcess::WaitForExit(std::chrono::milliseconds timeout) {
 
 std::string ChromiumProcess::ExitDescription() {
   std::lock_guard<std::mutex> lock(stateMutex_);
-  if (!ObserveExitLocked()) return std::string();
+  if (!ObserveExitLocked()) return {};
   if (!statusKnown_) return "ended";
   if (exitSignal_ != 0) return "killed by signal " + std::to_string(exitSignal_);
   return "exit code " + std::to_string(exitCode_);

@@ -4,10 +4,7 @@
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Core::_2014_07 {
 
-ClientStatusMsg::ClientStatusMsg() : BaseMessage(ServiceVersions::k2014_07) {
-  RegisterFields();
-  State = "idle";
-}
+ClientStatusMsg::ClientStatusMsg() : BaseMessage(ServiceVersions::k2014_07) { RegisterFields(); }
 
 ClientStatusMsg::ClientStatusMsg(const ClientStatusMsg& other)
     : BaseMessage(other), State(other.State) {

@@ -1,5 +1,5 @@
-#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_CORE__2014_07_CLIENTSTATUSMSG_H_
-#define WEVLIN_INFRASTRUCTURE_SERVICES_CORE__2014_07_CLIENTSTATUSMSG_H_
+#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_CORE_2014_07_CLIENTSTATUSMSG_H_
+#define WEVLIN_INFRASTRUCTURE_SERVICES_CORE_2014_07_CLIENTSTATUSMSG_H_
 
 #include <string>
 
@@ -26,7 +26,7 @@ class WEVLIN_EXPORT ClientStatusMsg final : public BaseMessage {
   ClientStatusMsg& operator=(const ClientStatusMsg& other);
   ~ClientStatusMsg();
 
-  std::string State;  // JSON key "State": "idle" or "busy"
+  std::string State = "idle";  // JSON key "State": "idle" or "busy"
 
  private:
   void RegisterFields();
@@ -34,4 +34,4 @@ class WEVLIN_EXPORT ClientStatusMsg final : public BaseMessage {
 
 }  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Core::_2014_07
 
-#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_CORE__2014_07_CLIENTSTATUSMSG_H_
+#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_CORE_2014_07_CLIENTSTATUSMSG_H_

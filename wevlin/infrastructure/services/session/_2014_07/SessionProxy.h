@@ -1,5 +1,5 @@
-#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_SESSION__2014_07_SESSIONPROXY_H_
-#define WEVLIN_INFRASTRUCTURE_SERVICES_SESSION__2014_07_SESSIONPROXY_H_
+#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_SESSION_2014_07_SESSIONPROXY_H_
+#define WEVLIN_INFRASTRUCTURE_SERVICES_SESSION_2014_07_SESSIONPROXY_H_
 
 #include "wevlin/infrastructure/interop/IHostControlInstance.h"
 #include "wevlin/infrastructure/services/BaseServiceProxy.h"
@@ -31,4 +31,4 @@ class WEVLIN_EXPORT SessionProxy : public BaseServiceProxy {
 
 }  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Session::_2014_07
 
-#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_SESSION__2014_07_SESSIONPROXY_H_
+#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_SESSION_2014_07_SESSIONPROXY_H_

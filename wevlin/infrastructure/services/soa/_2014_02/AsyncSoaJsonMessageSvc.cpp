@@ -35,11 +35,11 @@ std::string UnquotedAnswer(const std::string& answer) {
 std::string RawReply(const std::string& cacheId, const std::string& answer) {
   std::string reply;
   reply.reserve(answer.size() + 70);
-  reply += "{\"CacheId\":\"";
+  reply += R"({"CacheId":")";
   reply += cacheId;
-  reply += "\",\"SoaResponse\":";
+  reply += R"(","SoaResponse":)";
   reply += UnquotedAnswer(answer);
-  reply += ",\"Version\":\"";
+  reply += R"(,"Version":")";
   reply += ServiceVersions::k2015_10;
   reply += "\"}";
   return reply;
@@ -82,7 +82,7 @@ void AsyncSoaJsonMessageSvc::DoInvokeEvent(Interop::IHostControlInstance* instan
   std::unique_ptr<Interop::WebSideServiceDescriptor> replyTarget =
       internal::ReadAsyncRequest(payload, request);
   auto call = std::make_unique<AsyncSoaPendingCall>(replyTarget.get(), instance, request);
-  replyTarget.release();  // now owned by the record
+  static_cast<void>(replyTarget.release());  // now owned by the record
   // From here on the record belongs to the handler until the callback frees it.
   AsyncSoaPendingCall* context = call.release();
   handler_->OnSoaJsonRequest(request.ServiceName, request.OperationName, request.Message, context,

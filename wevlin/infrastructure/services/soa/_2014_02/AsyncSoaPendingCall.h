@@ -1,5 +1,5 @@
-#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_SOA__2014_02_ASYNCSOAPENDINGCALL_H_
-#define WEVLIN_INFRASTRUCTURE_SERVICES_SOA__2014_02_ASYNCSOAPENDINGCALL_H_
+#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_SOA_2014_02_ASYNCSOAPENDINGCALL_H_
+#define WEVLIN_INFRASTRUCTURE_SERVICES_SOA_2014_02_ASYNCSOAPENDINGCALL_H_
 
 #include "wevlin/infrastructure/interop/IHostControlInstance.h"
 #include "wevlin/infrastructure/interop/WebSideServiceDescriptor.h"
@@ -56,4 +56,4 @@ class WEVLIN_EXPORT AsyncSoaPendingCall final : public AsyncIncomingMessageData 
 
 }  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02
 
-#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_SOA__2014_02_ASYNCSOAPENDINGCALL_H_
+#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_SOA_2014_02_ASYNCSOAPENDINGCALL_H_

@@ -4,8 +4,7 @@
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02 {
 
-HostSessionInfoResponseMsg::HostSessionInfoResponseMsg()
-    : BaseMessage(ServiceVersions::k2014_02), IsSessionActive(false) {
+HostSessionInfoResponseMsg::HostSessionInfoResponseMsg() : BaseMessage(ServiceVersions::k2014_02) {
   RegisterFields();
 }
 

@@ -1,5 +1,5 @@
-#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_SOA__2014_02_HOSTSESSIONINFORESPONSEMSG_H_
-#define WEVLIN_INFRASTRUCTURE_SERVICES_SOA__2014_02_HOSTSESSIONINFORESPONSEMSG_H_
+#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_SOA_2014_02_HOSTSESSIONINFORESPONSEMSG_H_
+#define WEVLIN_INFRASTRUCTURE_SERVICES_SOA_2014_02_HOSTSESSIONINFORESPONSEMSG_H_
 
 #include <string>
 
@@ -22,8 +22,8 @@ class WEVLIN_EXPORT HostSessionInfoResponseMsg final : public BaseMessage {
   HostSessionInfoResponseMsg& operator=(const HostSessionInfoResponseMsg& other);
   ~HostSessionInfoResponseMsg();
 
-  bool IsSessionActive;  // JSON key "IsSessionActive"
-  std::string UserName;  // JSON key "UserName"
+  bool IsSessionActive = false;  // JSON key "IsSessionActive"
+  std::string UserName;          // JSON key "UserName"
 
  private:
   void RegisterFields();
@@ -31,4 +31,4 @@ class WEVLIN_EXPORT HostSessionInfoResponseMsg final : public BaseMessage {
 
 }  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02
 
-#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_SOA__2014_02_HOSTSESSIONINFORESPONSEMSG_H_
+#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_SOA_2014_02_HOSTSESSIONINFORESPONSEMSG_H_

@@ -4,8 +4,7 @@
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02 {
 
-RequestHostAuthResponseMsg::RequestHostAuthResponseMsg()
-    : BaseMessage(ServiceVersions::k2014_02), IsAuthenticated(false) {
+RequestHostAuthResponseMsg::RequestHostAuthResponseMsg() : BaseMessage(ServiceVersions::k2014_02) {
   RegisterFields();
 }
 

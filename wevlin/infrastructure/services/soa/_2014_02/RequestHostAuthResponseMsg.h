@@ -1,5 +1,5 @@
-#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_SOA__2014_02_REQUESTHOSTAUTHRESPONSEMSG_H_
-#define WEVLIN_INFRASTRUCTURE_SERVICES_SOA__2014_02_REQUESTHOSTAUTHRESPONSEMSG_H_
+#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_SOA_2014_02_REQUESTHOSTAUTHRESPONSEMSG_H_
+#define WEVLIN_INFRASTRUCTURE_SERVICES_SOA_2014_02_REQUESTHOSTAUTHRESPONSEMSG_H_
 
 #include <string>
 
@@ -27,7 +27,7 @@ class WEVLIN_EXPORT RequestHostAuthResponseMsg final : public BaseMessage {
   ~RequestHostAuthResponseMsg();
 
   std::string CacheId;               // JSON key "CacheId"
-  bool IsAuthenticated;              // JSON key "IsAuthenticated"
+  bool IsAuthenticated = false;      // JSON key "IsAuthenticated"
   Interop::ExceptionInfo Exception;  // JSON key "Exception"
 
  private:
@@ -36,4 +36,4 @@ class WEVLIN_EXPORT RequestHostAuthResponseMsg final : public BaseMessage {
 
 }  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Soa::_2014_02
 
-#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_SOA__2014_02_REQUESTHOSTAUTHRESPONSEMSG_H_
+#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_SOA_2014_02_REQUESTHOSTAUTHRESPONSEMSG_H_

@@ -54,8 +54,8 @@ void RequestHostAuthSvc::DoInvokeEvent(Interop::IHostControlInstance* instance,
   context->emplace(kResponseKey, response.get());
   context->emplace(kInstanceKey, instance);
   // From here on the three belong to the handler until the callback frees them.
-  replyTarget.release();
-  response.release();
+  static_cast<void>(replyTarget.release());
+  static_cast<void>(response.release());
   handler_->OnRequestHostAuth(context.release(), &RequestHostAuthSvc::ReplyCallback);
 }
 

@@ -29,7 +29,7 @@ std::string TestVersionSvc::DoInvokeMethod(Interop::IHostControlInstance* /*inst
   } catch (const std::exception&) {
     parsed = false;
   }
-  if (!parsed) return std::string();
+  if (!parsed) return {};
 
   assert(inputMessage.ServiceName == GetFQN());
   assert(inputMessage.ServiceVersion == GetSvcVersion());

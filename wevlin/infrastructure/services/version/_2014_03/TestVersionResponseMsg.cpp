@@ -4,8 +4,7 @@
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Version::_2014_03 {
 
-TestVersionResponseMsg::TestVersionResponseMsg()
-    : BaseMessage(ServiceVersions::k2014_03), Result(false) {
+TestVersionResponseMsg::TestVersionResponseMsg() : BaseMessage(ServiceVersions::k2014_03) {
   RegisterFields();
 }
 

@@ -1,5 +1,5 @@
-#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_VERSION__2014_03_TESTVERSIONRESPONSEMSG_H_
-#define WEVLIN_INFRASTRUCTURE_SERVICES_VERSION__2014_03_TESTVERSIONRESPONSEMSG_H_
+#ifndef WEVLIN_INFRASTRUCTURE_SERVICES_VERSION_2014_03_TESTVERSIONRESPONSEMSG_H_
+#define WEVLIN_INFRASTRUCTURE_SERVICES_VERSION_2014_03_TESTVERSIONRESPONSEMSG_H_
 
 #include <string>
 
@@ -27,7 +27,7 @@ class WEVLIN_EXPORT TestVersionResponseMsg final : public BaseMessage {
 
   std::string ServiceName;     // JSON key "ServiceName"
   std::string ServiceVersion;  // JSON key "ServiceVersion"
-  bool Result;                 // JSON key "Result"
+  bool Result = false;         // JSON key "Result"
 
  private:
   void RegisterFields();
@@ -35,4 +35,4 @@ class WEVLIN_EXPORT TestVersionResponseMsg final : public BaseMessage {
 
 }  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Version::_2014_03
 
-#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_VERSION__2014_03_TESTVERSIONRESPONSEMSG_H_
+#endif  // WEVLIN_INFRASTRUCTURE_SERVICES_VERSION_2014_03_TESTVERSIONRESPONSEMSG_H_

@@ -29,7 +29,7 @@ std::string TestVersionSvc01::DoInvokeMethod(Interop::IHostControlInstance* /*in
   } catch (const std::exception&) {
     parsed = false;
   }
-  if (!parsed) return std::string();
+  if (!parsed) return {};
 
   assert(inputMessage.ServiceName == GetFQN());
   assert(inputMessage.ServiceVersion == GetSvcVersion());
