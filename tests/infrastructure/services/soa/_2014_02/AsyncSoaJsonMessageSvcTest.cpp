@@ -198,9 +198,31 @@ TEST_F(AsyncSoaJsonMessageSvcTest, Version2015_10WithNothingToEmbedWritesNull) {
   EXPECT_EQ(ReplyTo(Request("_2015_10"), "x"), expected);
 }
 
-TEST_F(AsyncSoaJsonMessageSvcTest, Version2015_10InsertsTheCacheIdAsItStands) {
+TEST_F(AsyncSoaJsonMessageSvcTest, Version2015_10EscapesAQuoteInTheCacheId) {
   EXPECT_EQ(ReplyTo(Request("_2015_10", R"("a\"b")"), R"("1")"),
-            R"({"CacheId":"a"b","SoaResponse":1,"Version":"_2015_10"})");
+            R"({"CacheId":"a\"b","SoaResponse":1,"Version":"_2015_10"})");
+}
+
+TEST_F(AsyncSoaJsonMessageSvcTest,
+       Version2015_10EscapesABackslashAndControlCharactersInTheCacheId) {
+  // The identifier a page sent to break out of the string and of the script
+  // line around the reply: a backslash, a single and a double quote.
+  EXPECT_EQ(ReplyTo(Request("_2015_10", R"("x\\');alert(1);//\"")"), R"("1")"),
+            R"({"CacheId":"x\\');alert(1);//\"","SoaResponse":1,"Version":"_2015_10"})");
+  // A line feed and a tab arrive escaped, the other control characters raw.
+  EXPECT_EQ(ReplyTo(Request("_2015_10",
+                            "\"a\\nb\\tc\x01"
+                            "d\x1f"
+                            "e\""),
+                    R"("1")"),
+            R"({"CacheId":"a\nb\tc\u0001d\u001fe","SoaResponse":1,"Version":"_2015_10"})");
+}
+
+TEST_F(AsyncSoaJsonMessageSvcTest, Version2015_10WritesAnOrdinaryCacheIdAsItStands) {
+  // Slashes, single quotes and non-ASCII text need no escape in a JSON string.
+  EXPECT_EQ(
+      ReplyTo(Request("_2015_10", "\"c/1 it's \xC3\xA9t\xC3\xA9\""), R"("1")"),
+      "{\"CacheId\":\"c/1 it's \xC3\xA9t\xC3\xA9\",\"SoaResponse\":1,\"Version\":\"_2015_10\"}");
 }
 
 TEST_F(AsyncSoaJsonMessageSvcTest, AFailureKeepsTheRequestsOwnVersionEvenVersion2015_10) {

@@ -165,16 +165,17 @@ TEST(HostileAsyncReplyTest, SoaAnswerOf16MiB) {
 
 TEST(HostileAsyncReplyTest, SoaAnswerThatIsNotQuotedJsonFor2015_10) {
   // The "_2015_10" reply embeds the answer, less its first character and
-  // everything from its last double quote on, and the cache identifier as
-  // they stand: an answer or identifier that is not what the page expects
-  // gives a reply that is not JSON. The page chose both.
+  // everything from its last double quote on, as it stands: an answer that is
+  // not what the page expects gives a reply that is not JSON. The cache
+  // identifier is escaped as a JSON string, so it cannot add members or end
+  // the string early.
   EXPECT_EQ(SoaReply(Request("_2015_10"), "not json"),
             "{\"CacheId\":\"7\",\"SoaResponse\":ot json,\"Version\":\"_2015_10\"}");
   EXPECT_EQ(
       SoaReply(Request("_2015_10"), std::string(1000, '[')),
       "{\"CacheId\":\"7\",\"SoaResponse\":" + std::string(999, '[') + ",\"Version\":\"_2015_10\"}");
   EXPECT_EQ(SoaReply(Request("_2015_10", "\"a\\\",\\\"x\\\":\\\"y\""), "\"1\""),
-            "{\"CacheId\":\"a\",\"x\":\"y\",\"SoaResponse\":1,\"Version\":\"_2015_10\"}");
+            "{\"CacheId\":\"a\\\",\\\"x\\\":\\\"y\",\"SoaResponse\":1,\"Version\":\"_2015_10\"}");
   EXPECT_EQ(
       SoaReply(Request("_2015_10"), kWithNul),
       "{\"CacheId\":\"7\",\"SoaResponse\":" + kWithNul.substr(1) + ",\"Version\":\"_2015_10\"}");

@@ -30,13 +30,59 @@ std::string UnquotedAnswer(const std::string& answer) {
   return answer.substr(1, end - 1);
 }
 
+// Appends `text` as the content of a JSON string: a double quote and a
+// backslash are escaped with a backslash, the control characters below U+0020
+// as \b, \t, \n, \f, \r or \u00XX. Everything else, "/" and non-ASCII bytes
+// included, is copied as it is, so an identifier without quotes, backslashes
+// or control characters is written unchanged.
+void AppendJsonStringContent(const std::string& text, std::string& out) {
+  static constexpr char kHex[] = "0123456789abcdef";
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    switch (c) {
+      case '"':
+        out += "\\\"";
+        break;
+      case '\\':
+        out += "\\\\";
+        break;
+      case '\b':
+        out += "\\b";
+        break;
+      case '\t':
+        out += "\\t";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\f':
+        out += "\\f";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      default:
+        if (byte < 0x20) {
+          out += "\\u00";
+          out += kHex[byte >> 4U];
+          out += kHex[byte & 0x0FU];
+        } else {
+          out += c;
+        }
+    }
+  }
+}
+
 // Writes the "_2015_10" reply by hand, so that the answer is embedded as raw
-// JSON rather than as a string.
+// JSON rather than as a string. The cache identifier comes from the page that
+// made the request and is escaped as a JSON string: written raw, a quote or
+// a backslash in it could end the string early, and the reply's text is
+// itself embedded in a script line.
 std::string RawReply(const std::string& cacheId, const std::string& answer) {
   std::string reply;
-  reply.reserve(answer.size() + 70);
+  reply.reserve(answer.size() + cacheId.size() + 70);
   reply += R"({"CacheId":")";
-  reply += cacheId;
+  AppendJsonStringContent(cacheId, reply);
   reply += R"(","SoaResponse":)";
   reply += UnquotedAnswer(answer);
   reply += R"(,"Version":")";
