@@ -116,6 +116,13 @@ if(TARGET wevlin_chromium)
     RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT chromium
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT chromium
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT chromium)
+  # The bridge's public headers, which every web control shares.
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/wevlin/webcontrols/"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/wevlin/webcontrols"
+    COMPONENT chromium
+    FILES_MATCHING PATTERN "*.h"
+    PATTERN "internal" EXCLUDE
+    PATTERN "chromium" EXCLUDE)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/wevlin/webcontrols/chromium/"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/wevlin/webcontrols/chromium"
     COMPONENT chromium

@@ -3,7 +3,8 @@
 # with apt-get when the commands are missing, installs the locked development
 # dependencies, checks that the checked-in generated files (src/wevlin.js and
 # the other entries) match the modules in src/lib/, then runs the linter, the
-# type check of the declarations, the formatting check and the unit tests.
+# type check of the declarations, the formatting check and the unit tests,
+# and lints the web controls' page script (wevlin/webcontrols/bridge-shim.js).
 #
 #   scripts/test-web.sh
 set -euo pipefail
@@ -31,5 +32,10 @@ echo "== npm run typecheck"
 npm run typecheck
 echo "== npm run format:check"
 npm run format:check
+echo "== the web controls' page script (wevlin/webcontrols/bridge-shim.js): lint and format"
+(cd ../wevlin/webcontrols &&
+  ../../web/node_modules/.bin/eslint --config eslint.config.js bridge-shim.js &&
+  ../../web/node_modules/.bin/prettier --config ../../web/.prettierrc.json --check \
+    bridge-shim.js eslint.config.js)
 echo "== npm test"
 npm test

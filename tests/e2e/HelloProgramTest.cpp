@@ -5,6 +5,8 @@
 #include <stdlib.h>
 
 #include <gmock/gmock.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -73,19 +75,25 @@ class HelloProgramTest : public ::testing::Test {
 TEST_F(HelloProgramTest, PrintsWhatCrossedAndExitsWithZero) {
   const ProgramRun run = RunHello();
   ASSERT_EQ(run.exitStatus, 0) << run.standardOutput << run.standardError;
+  // As root the browser cannot have its sandbox, and the control says so.
+  const std::string unsandboxed =
+      ::geteuid() == 0
+          ? "ChromiumWebControl: the page runs without the browser's sandbox (running as root)\n"
+          : "";
   EXPECT_EQ(run.standardOutput,
-            "page -> host  hello.Greeter.host _2014_07 \"newcomer\" answered Hello, newcomer!\n"
-            "page -> host  hello.Greeter.host _2014_07 \"\" gave the exception record "
-            "{\"Exception\": {\"name\": \"std::invalid_argument\", \"message\": \"The greeter "
-            "needs a name\"}}\n"
-            "page -> host  tavo.wevlin.infrastructure.services.core.HostConfiguration.host "
-            "_2014_07 \"\" answered {\"Version\": \"_2014_07\", \"Settings\": [{\"Key\": "
-            "\"greeting.language\", \"Value\": \"en\"}]}\n"
-            "host -> page  TestVersionProxy::GetClientServiceVersion() returned {\"Version\": "
-            "\"_2014_02\", \"ServiceName\": "
-            "\"tavo.wevlin.infrastructure.services.version.TestVersionSvc\", "
-            "\"ServiceVersion\": \"_2014_02\"}\n"
-            "All calls crossed as expected.\n");
+            unsandboxed +
+                "page -> host  hello.Greeter.host _2014_07 \"newcomer\" answered Hello, newcomer!\n"
+                "page -> host  hello.Greeter.host _2014_07 \"\" gave the exception record "
+                "{\"Exception\": {\"name\": \"std::invalid_argument\", \"message\": \"The greeter "
+                "needs a name\"}}\n"
+                "page -> host  tavo.wevlin.infrastructure.services.core.HostConfiguration.host "
+                "_2014_07 \"\" answered {\"Version\": \"_2014_07\", \"Settings\": [{\"Key\": "
+                "\"greeting.language\", \"Value\": \"en\"}]}\n"
+                "host -> page  TestVersionProxy::GetClientServiceVersion() returned {\"Version\": "
+                "\"_2014_02\", \"ServiceName\": "
+                "\"tavo.wevlin.infrastructure.services.version.TestVersionSvc\", "
+                "\"ServiceVersion\": \"_2014_02\"}\n"
+                "All calls crossed as expected.\n");
   EXPECT_THAT(run.standardError, IsEmpty());
   ExpectNothingLeftBehind();
 }

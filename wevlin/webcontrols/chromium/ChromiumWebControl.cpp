@@ -5,6 +5,7 @@
 #include <deque>
 #include <exception>
 #include <fstream>
+#include <map>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -18,9 +19,9 @@
 #include "wevlin/webcontrols/chromium/internal/DevToolsConnection.h"
 #include "wevlin/webcontrols/chromium/internal/EvaluateReply.h"
 #include "wevlin/webcontrols/chromium/internal/EventQueue.h"
-#include "wevlin/webcontrols/chromium/internal/HostShimScript.h"
 #include "wevlin/webcontrols/chromium/internal/PageEvent.h"
 #include "wevlin/webcontrols/chromium/internal/Utf8Text.h"
+#include "wevlin/webcontrols/internal/PageBridge.h"
 
 namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium {
 
@@ -35,9 +36,14 @@ using internal::ChromiumProcess;
 using internal::DevToolsConnection;
 using internal::EventQueue;
 using internal::PageEvent;
+using WebControls::BridgePolicy;
+using WebControls::PageCaller;
+using WebControls::PageDialog;
+using WebControls::PageDialogAnswer;
+using WebControls::internal::PageBridge;
 
 // The DevTools binding through which the shim posts the page's calls, and the
-// function through which the host settles them (see host-shim.js).
+// function through which the host settles them (see bridge-shim.js).
 constexpr char kBindingName[] = "__wevlinHostBinding";
 constexpr char kReplyFunction[] = "__wevlinHostReply";
 
@@ -50,6 +56,7 @@ constexpr char kExecutableVariable[] = "WEVLIN_CHROMIUM";
 constexpr char kTraceVariable[] = "WEVLIN_CHROMIUM_TRACE";
 
 constexpr char kCrashedText[] = "The page's renderer process crashed";
+constexpr char kControlName[] = "ChromiumWebControl";
 
 // RunUntil checks its condition at least this often.
 constexpr std::chrono::milliseconds kPollInterval{10};
@@ -63,6 +70,13 @@ std::string ExecutableFor(const ChromiumOptions& options) {
   return kDefaultExecutable;
 }
 
+// Returns why the browser runs without its sandbox, or "" when it has one.
+std::string SandboxlessReason(const ChromiumOptions& options) {
+  if (ChromiumProcess::RunsAsAdministrator()) return "running as root";
+  if (options.disableSandbox) return "the application asked for it";
+  return {};
+}
+
 bool TraceWanted(const ChromiumOptions& options) {
   if (options.traceProtocol) return true;
   const char* variable = std::getenv(kTraceVariable);  // NOLINT(concurrency-mt-unsafe)
@@ -72,7 +86,6 @@ bool TraceWanted(const ChromiumOptions& options) {
 std::vector<std::string> ArgumentsFor(const ChromiumOptions& options) {
   std::vector<std::string> arguments = {
       "--headless",
-      "--no-sandbox",
       "--disable-gpu",
       "--disable-quic",
       "--no-first-run",
@@ -87,15 +100,25 @@ std::vector<std::string> ArgumentsFor(const ChromiumOptions& options) {
       "--window-size=" + std::to_string(options.windowWidth) + "," +
           std::to_string(options.windowHeight),
   };
+  // The renderers run in the browser's sandbox unless the browser cannot
+  // start with it (as root) or the application asked for that.
+  const std::string unsandboxed = SandboxlessReason(options);
+  if (!unsandboxed.empty()) arguments.emplace_back("--no-sandbox");
   arguments.insert(arguments.end(), options.extraArguments.begin(), options.extraArguments.end());
   return arguments;
 }
 
-// The script evaluated in each new document: the shim, called with the names
-// of the binding and of the reply function.
-std::string ShimSource() {
-  return "(() => {\nconst install = " + std::string(internal::HostShimScript()) + "\ninstall(\"" +
-         kBindingName + "\", \"" + kReplyFunction + "\");\n})();\n";
+// The shim's transport in this control: the DevTools binding and the reply
+// function.
+std::string ShimTransport() {
+  return std::string("{binding: \"") + kBindingName + "\", reply: \"" + kReplyFunction + "\"}";
+}
+
+// The origin as a browser reports it, with an opaque one written "null"
+// whichever way the browser spelled it.
+std::string ReportedOrigin(const std::string& origin) {
+  if (origin.empty() || origin == "://" || origin == "null") return BridgePolicy::kOpaqueOrigin;
+  return origin;
 }
 
 std::string StringOf(const Json& object, const char* key) {
@@ -143,13 +166,36 @@ class ChromiumWebControl::Impl {
   bool RunUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout);
   void SaveScreenshot(const std::string& path);
 
+  void SetBridgePolicy(BridgePolicy policy);
+
   ChromiumOptions options_;
   EventQueue events_;
   std::vector<ILoadObserver*> observers_;
-  HostAPI* hostApi_ = nullptr;
+  PageBridge bridge_{kControlName};
   bool delivering_ = false;
   std::string targetId_;
   std::string sessionId_;
+  // What the browser reported of the page's documents, kept by the reader
+  // thread: script contexts by id and frames by id. With the bridge's policy
+  // and navigation, guarded by pageMutex_.
+  struct Context {
+    std::string origin;
+    std::string frameId;
+    bool isDefault = false;
+  };
+  struct Frame {
+    std::string url;
+    std::string origin;
+  };
+  mutable std::mutex pageMutex_;
+  std::map<std::int64_t, Context> contexts_;
+  std::map<std::string, Frame> frames_;
+  // The identifier of the shim's registration for new documents, and the
+  // number of registrations asked for so far.
+  std::string shimIdentifier_;
+  std::uint64_t shimGeneration_ = 0;
+  // The source of the shim asked for last.
+  std::string shimSource_;
   // The session whose renderer crashed and has not been reloaded since ("" for
   // none). Set by the reader thread, cleared by it or by Navigate.
   std::mutex crashMutex_;
@@ -163,7 +209,13 @@ class ChromiumWebControl::Impl {
   void OnProtocolEvent(DevToolsConnection& connection, const Json& message);
   void Deliver(const PageEvent& event);
   void NotifyLoadObservers();
-  void ServeHostCall(const std::string& callJson, std::int64_t contextId);
+  void ServeHostCall(const PageEvent& event);
+  void InstallShim(std::chrono::milliseconds timeout);
+  void TrackPage(const std::string& method, const Json& params);
+  PageCaller CallerLocked(std::int64_t contextId) const;
+  std::int64_t TopContextLocked(PageCaller& top) const;
+  void AnswerDialog(DevToolsConnection& connection, const std::string& sessionId,
+                    const Json& params);
   void Reply(std::int64_t contextId, std::int64_t id, bool ok, const std::string& text);
   void ReleaseScriptObjects();
   bool PageCrashed();
@@ -172,6 +224,8 @@ class ChromiumWebControl::Impl {
 };
 
 ChromiumWebControl::Impl::Impl(ChromiumOptions options) : options_(std::move(options)) {
+  bridge_.SetPolicy(options_.bridgePolicy);
+  bridge_.SetMaxCallBytes(options_.maxCallBytes);
   process_ = std::make_unique<ChromiumProcess>(ExecutableFor(options_), ArgumentsFor(options_),
                                                options_.showBrowserOutput);
   connection_ = std::make_unique<DevToolsConnection>(
@@ -203,6 +257,11 @@ ChromiumWebControl::Impl::Impl(ChromiumOptions options) : options_(std::move(opt
     process_->Terminate();
     connection_->Stop();
     throw ChromiumError(ChromiumError::Kind::LaunchFailed, message);
+  }
+  const std::string unsandboxed = SandboxlessReason(options_);
+  if (!unsandboxed.empty()) {
+    WriteLogLine(std::string(kControlName) + ": the page runs without the browser's sandbox (" +
+                 unsandboxed + ")");
   }
 }
 
@@ -246,8 +305,7 @@ void ChromiumWebControl::Impl::OpenPage() {
                     sessionId_, left());
   connection_->Call("Runtime.enable", Json::object(), sessionId_, left());
   connection_->Call("Runtime.addBinding", {{"name", kBindingName}}, sessionId_, left());
-  connection_->Call("Page.addScriptToEvaluateOnNewDocument", {{"source", ShimSource()}}, sessionId_,
-                    left());
+  InstallShim(left());
 
   // The browser opens a tab of its own at start; only ours is needed.
   const Json targets =
@@ -265,13 +323,180 @@ void ChromiumWebControl::Impl::OpenPage() {
   events_.Clear();
 }
 
+void ChromiumWebControl::Impl::InstallShim(std::chrono::milliseconds timeout) {
+  std::string source;
+  std::string previous;
+  std::uint64_t generation = 0;
+  {
+    std::lock_guard<std::mutex> lock(pageMutex_);
+    source = bridge_.ShimSource(ShimTransport());
+    // The same shim is in place already: nothing to change.
+    if (source == shimSource_) return;
+    shimSource_ = source;
+    previous = std::exchange(shimIdentifier_, std::string());
+    generation = ++shimGeneration_;
+  }
+  const auto keep = [this, generation, timeout](std::string identifier) {
+    {
+      std::lock_guard<std::mutex> lock(pageMutex_);
+      if (generation == shimGeneration_) {
+        shimIdentifier_ = std::move(identifier);
+        return;
+      }
+    }
+    // A later policy or navigation replaced this shim before it was in place.
+    try {
+      connection_->Post("Page.removeScriptToEvaluateOnNewDocument", {{"identifier", identifier}},
+                        sessionId_, timeout);
+    } catch (const ChromiumError&) {
+      // The page is gone, and the shim with it.
+    }
+  };
+  if (PageCrashed()) {
+    // A page whose renderer crashed answers these only once a navigation
+    // loads it again; the browser takes a session's commands in order, so
+    // the shim is in place for the navigation posted after them.
+    if (!previous.empty()) {
+      connection_->Post("Page.removeScriptToEvaluateOnNewDocument", {{"identifier", previous}},
+                        sessionId_, timeout);
+    }
+    connection_->Post("Page.addScriptToEvaluateOnNewDocument", {{"source", std::move(source)}},
+                      sessionId_, timeout, [keep](const Json& reply) {
+                        const auto result = reply.find("result");
+                        if (result != reply.end()) keep(StringOf(*result, "identifier"));
+                      });
+    return;
+  }
+  // Otherwise the shim is in place before this returns, so that the next
+  // document gets it.
+  if (!previous.empty()) {
+    connection_->Call("Page.removeScriptToEvaluateOnNewDocument", {{"identifier", previous}},
+                      sessionId_, timeout);
+  }
+  const Json added = connection_->Call("Page.addScriptToEvaluateOnNewDocument",
+                                       {{"source", std::move(source)}}, sessionId_, timeout);
+  keep(StringOf(added, "identifier"));
+}
+
+void ChromiumWebControl::Impl::SetBridgePolicy(BridgePolicy policy) {
+  {
+    std::lock_guard<std::mutex> lock(pageMutex_);
+    bridge_.SetPolicy(std::move(policy));
+  }
+  InstallShim(options_.commandTimeout);
+}
+
+// Keeps what the browser reports of the page's frames and script contexts,
+// on the reader thread, so that every call and script is checked against the
+// document the browser says it is in.
+void ChromiumWebControl::Impl::TrackPage(const std::string& method, const Json& params) {
+  std::lock_guard<std::mutex> lock(pageMutex_);
+  if (method == "Runtime.executionContextCreated") {
+    const auto context = params.find("context");
+    if (context == params.end() || !context->is_object()) return;
+    const auto id = context->find("id");
+    if (id == context->end() || !id->is_number_integer()) return;
+    Context entry;
+    entry.origin = ReportedOrigin(StringOf(*context, "origin"));
+    const auto aux = context->find("auxData");
+    if (aux != context->end() && aux->is_object()) {
+      entry.frameId = StringOf(*aux, "frameId");
+      const auto isDefault = aux->find("isDefault");
+      entry.isDefault =
+          isDefault != aux->end() && isDefault->is_boolean() && isDefault->get<bool>();
+    }
+    contexts_[id->get<std::int64_t>()] = entry;
+  } else if (method == "Runtime.executionContextDestroyed") {
+    const auto id = params.find("executionContextId");
+    if (id != params.end() && id->is_number_integer()) contexts_.erase(id->get<std::int64_t>());
+  } else if (method == "Runtime.executionContextsCleared") {
+    contexts_.clear();
+  } else if (method == "Page.frameNavigated") {
+    const auto frame = params.find("frame");
+    if (frame == params.end() || !frame->is_object()) return;
+    Frame& entry = frames_[StringOf(*frame, "id")];
+    entry.url = StringOf(*frame, "url") + StringOf(*frame, "urlFragment");
+    entry.origin = ReportedOrigin(StringOf(*frame, "securityOrigin"));
+  } else if (method == "Page.frameDetached") {
+    frames_.erase(StringOf(params, "frameId"));
+  }
+}
+
+PageCaller ChromiumWebControl::Impl::CallerLocked(std::int64_t contextId) const {
+  PageCaller caller;
+  caller.origin = BridgePolicy::kOpaqueOrigin;
+  const auto context = contexts_.find(contextId);
+  // Only the page's own script world has the binding; a call from anywhere
+  // else is of no document the policy knows.
+  if (context == contexts_.end() || !context->second.isDefault) return caller;
+  caller.origin = context->second.origin;
+  caller.topFrame = context->second.frameId == targetId_;
+  const auto frame = frames_.find(context->second.frameId);
+  if (frame != frames_.end()) caller.url = frame->second.url;
+  return caller;
+}
+
+std::int64_t ChromiumWebControl::Impl::TopContextLocked(PageCaller& top) const {
+  top.topFrame = true;
+  top.origin = BridgePolicy::kOpaqueOrigin;
+  const auto frame = frames_.find(targetId_);
+  if (frame != frames_.end()) {
+    top.url = frame->second.url;
+    top.origin = frame->second.origin;
+  }
+  for (const auto& [id, context] : contexts_) {
+    if (context.isDefault && context.frameId == targetId_) {
+      top.origin = context.origin;
+      return id;
+    }
+  }
+  return 0;
+}
+
+void ChromiumWebControl::Impl::AnswerDialog(DevToolsConnection& connection,
+                                            const std::string& sessionId, const Json& params) {
+  PageDialog dialog;
+  dialog.type = StringOf(params, "type");
+  dialog.message = StringOf(params, "message");
+  dialog.defaultPrompt = StringOf(params, "defaultPrompt");
+  dialog.url = StringOf(params, "url");
+  PageDialogAnswer answer;
+  answer.accept = dialog.type == "beforeunload";
+  if (options_.dialogHandler) {
+    try {
+      answer = options_.dialogHandler(dialog);
+    } catch (...) {
+      // A failing hook leaves the default answer.
+    }
+  }
+  Json command = {{"accept", answer.accept}};
+  if (answer.accept && dialog.type == "prompt") command["promptText"] = answer.promptText;
+  try {
+    connection.Post("Page.handleJavaScriptDialog", std::move(command), sessionId,
+                    options_.commandTimeout);
+  } catch (const ChromiumError&) {
+    // The page is gone, and its dialog with it.
+  }
+  PageEvent event;
+  event.kind = PageEvent::Kind::DialogAnswered;
+  event.sessionId = sessionId;
+  event.name = dialog.type;
+  event.text = answer.accept ? "accepted" : "dismissed";
+  events_.Push(std::move(event));
+}
+
 void ChromiumWebControl::Impl::OnProtocolEvent(DevToolsConnection& connection,
                                                const Json& message) {
   const std::string method = StringOf(message, "method");
   const std::string sessionId = StringOf(message, "sessionId");
   const Json& params = ParamsOf(message);
+  if (sessionId == sessionId_) TrackPage(method, params);
   PageEvent event;
   event.sessionId = sessionId;
+  if (method == "Page.javascriptDialogOpening") {
+    AnswerDialog(connection, sessionId, params);
+    return;
+  }
   if (method == "Page.frameStoppedLoading") {
     event.kind = PageEvent::Kind::FrameStoppedLoading;
     event.text = StringOf(params, "frameId");
@@ -282,6 +507,8 @@ void ChromiumWebControl::Impl::OnProtocolEvent(DevToolsConnection& connection,
     const auto context = params.find("executionContextId");
     event.contextId =
         context != params.end() && context->is_number_integer() ? context->get<std::int64_t>() : 0;
+    std::lock_guard<std::mutex> lock(pageMutex_);
+    event.caller = CallerLocked(event.contextId);
   } else if (method == "Inspector.targetCrashed") {
     {
       std::lock_guard<std::mutex> lock(crashMutex_);
@@ -343,7 +570,13 @@ void ChromiumWebControl::Impl::Deliver(const PageEvent& event) {
       if (ours && event.text == targetId_) NotifyLoadObservers();
       break;
     case PageEvent::Kind::BindingCalled:
-      if (ours && event.name == kBindingName) ServeHostCall(event.text, event.contextId);
+      if (ours && event.name == kBindingName) ServeHostCall(event);
+      break;
+    case PageEvent::Kind::DialogAnswered:
+      if (ours) {
+        WriteLogLine(std::string(kControlName) + ": answered the page's " + event.name +
+                     " dialog: " + event.text);
+      }
       break;
     case PageEvent::Kind::NavigationFailed:
       WriteLogLine("ChromiumWebControl: navigation to " + event.name + " failed: " + event.text);
@@ -380,67 +613,20 @@ void ChromiumWebControl::Impl::NotifyLoadObservers() {
   }
 }
 
-void ChromiumWebControl::Impl::ServeHostCall(const std::string& callJson, std::int64_t contextId) {
-  const Json call = Json::parse(callJson, nullptr, false);
-  const auto id = call.is_object() ? call.find("id") : call.end();
-  if (call.is_discarded() || !call.is_object() || id == call.end() || !id->is_number_integer()) {
+void ChromiumWebControl::Impl::ServeHostCall(const PageEvent& event) {
+  PageBridge::Call call;
+  if (!PageBridge::ReadCall(event.text, call)) {
     WriteLogLine("ChromiumWebControl: ignored a malformed call of the page");
     return;
   }
-  const std::int64_t callId = id->get<std::int64_t>();
-  const std::string function = StringOf(call, "fn");
-  std::vector<std::string> args;
-  const auto list = call.find("args");
-  if (list != call.end() && list->is_array()) {
-    for (const Json& arg : *list) {
-      args.push_back(arg.is_string() ? arg.get<std::string>() : std::string());
-    }
-  }
-
-  if (hostApi_ == nullptr) {
-    Reply(contextId, callId, false, "No HostAPI is set on the web control");
-    return;
-  }
-  std::string answer;
-  std::string failure;
-  try {
-    if (function == "tavoHostMethod" && args.size() == 2) {
-      answer = hostApi_->tavoHostMethod(args[0], args[1]);
-    } else if (function == "tavoHostEvent" && args.size() == 2) {
-      answer = hostApi_->tavoHostEvent(args[0], args[1]);
-    } else if (function == "tavoHostPing" && args.empty()) {
-      answer = hostApi_->tavoHostPing();
-    } else if (function == "tavoHost_WebSideServiceListUpdate" && args.size() == 2) {
-      answer = hostApi_->tavoHost_WebSideServiceListUpdate(args[0], args[1]);
-    } else if (function == "tavoHost_WebSideStartHandShake" && args.empty()) {
-      answer = hostApi_->tavoHost_WebSideStartHandShake();
-    } else {
-      failure =
-          "No host function " + function + " taking " + std::to_string(args.size()) + " arguments";
-    }
-  } catch (const std::exception& error) {
-    failure = error.what();
-  } catch (const ScriptException& error) {
-    failure = error.message;
-  } catch (...) {
-    failure = "unknown exception";
-  }
-  if (!failure.empty()) {
-    WriteLogLine("ChromiumWebControl: the page's call of " + function + " failed: " + failure);
-    Reply(contextId, callId, false, failure);
-    return;
-  }
-  Reply(contextId, callId, true, answer);
+  const PageBridge::Answer answer = bridge_.Serve(std::move(call), event.caller);
+  Reply(event.contextId, answer.id, answer.ok, answer.text);
 }
 
 void ChromiumWebControl::Impl::Reply(std::int64_t contextId, std::int64_t id, bool ok,
                                      const std::string& text) {
-  std::string encoded;
-  Base64::EncodeString(text, encoded);
-  const std::string expression = std::string("globalThis.") + kReplyFunction + "(" +
-                                 std::to_string(id) + ", " + (ok ? "true" : "false") + ", \"" +
-                                 encoded + "\")";
-  Json params = {{"expression", expression}};
+  Json params = {{"expression",
+                  PageBridge::ReplyExpression(kReplyFunction, PageBridge::Answer{id, ok, text})}};
   if (contextId != 0) params["contextId"] = contextId;
   try {
     connection_->Post("Runtime.evaluate", std::move(params), sessionId_, options_.commandTimeout);
@@ -456,6 +642,12 @@ bool ChromiumWebControl::Impl::PageCrashed() {
 
 void ChromiumWebControl::Impl::Navigate(const std::string& target) {
   const std::string url = internal::ToValidUtf8(target);
+  // The documents of the new address get the bridge before it loads.
+  {
+    std::lock_guard<std::mutex> lock(pageMutex_);
+    bridge_.SetNavigatedUrl(url);
+  }
+  InstallShim(options_.commandTimeout);
   {
     // The navigation loads the page in a new renderer process.
     std::lock_guard<std::mutex> lock(crashMutex_);
@@ -513,16 +705,35 @@ void ChromiumWebControl::Impl::ReleaseScriptObjects() {
 std::string ChromiumWebControl::Impl::ExecuteScript(const std::string& script) {
   // A crashed page answers nothing until it is loaded again.
   if (PageCrashed()) throw ScriptException(kCrashedText, std::string());
+  if (script.size() > bridge_.GetMaxCallBytes()) {
+    throw ScriptException("The script takes " + std::to_string(script.size()) +
+                              " bytes, more than the limit of " +
+                              std::to_string(bridge_.GetMaxCallBytes()),
+                          "The script was not run.");
+  }
+  // The script runs in the top document the policy was checked against, or
+  // in none: a document that replaced it meanwhile has another context.
+  std::int64_t contextId = 0;
+  {
+    std::lock_guard<std::mutex> lock(pageMutex_);
+    PageCaller top;
+    contextId = TopContextLocked(top);
+    const std::string refusal = bridge_.ScriptRefusal(top);
+    if (!refusal.empty()) {
+      throw ScriptException(refusal, "The script was not run in " + top.url + ".");
+    }
+  }
   const std::string source = internal::ToValidUtf8(script);
+  Json params = {{"expression", source},
+                 {"objectGroup", kObjectGroup},
+                 {"returnByValue", true},
+                 {"awaitPromise", false}};
+  if (contextId != 0) params["contextId"] = contextId;
   Json reply;
   try {
     // The browser copies the value into its answer as JSON.
-    reply = connection_->Call("Runtime.evaluate",
-                              {{"expression", source},
-                               {"objectGroup", kObjectGroup},
-                               {"returnByValue", true},
-                               {"awaitPromise", false}},
-                              sessionId_, options_.commandTimeout);
+    reply = connection_->Call("Runtime.evaluate", std::move(params), sessionId_,
+                              options_.commandTimeout);
   } catch (const ChromiumError& error) {
     if (error.kind() == ChromiumError::Kind::ProtocolError &&
         internal::IsUncopyableValueError(error.what())) {
@@ -594,9 +805,21 @@ void ChromiumWebControl::RemoveLoadObserver(IWebControl::ILoadObserver* observer
   impl_->RemoveLoadObserver(observer);
 }
 
-void ChromiumWebControl::SetHostAPI(HostAPI* hostApi) { impl_->hostApi_ = hostApi; }
+void ChromiumWebControl::SetHostAPI(HostAPI* hostApi) { impl_->bridge_.SetHostAPI(hostApi); }
 
-HostAPI* ChromiumWebControl::GetHostAPI() const { return impl_->hostApi_; }
+HostAPI* ChromiumWebControl::GetHostAPI() const { return impl_->bridge_.GetHostAPI(); }
+
+void ChromiumWebControl::SetBridgePolicy(BridgePolicy policy) {
+  impl_->SetBridgePolicy(std::move(policy));
+}
+
+const BridgePolicy& ChromiumWebControl::GetBridgePolicy() const {
+  return impl_->bridge_.GetPolicy();
+}
+
+const PageCaller* ChromiumWebControl::CurrentCaller() const {
+  return impl_->bridge_.CurrentCaller();
+}
 
 std::size_t ChromiumWebControl::PumpEvents() { return impl_->PumpEvents(); }
 

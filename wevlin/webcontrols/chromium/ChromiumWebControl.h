@@ -10,6 +10,8 @@
 
 #include "wevlin/infrastructure/interop/HostAPI.h"
 #include "wevlin/infrastructure/interop/IWebControl.h"
+#include "wevlin/webcontrols/BridgePolicy.h"
+#include "wevlin/webcontrols/PageCaller.h"
 #include "wevlin/webcontrols/chromium/ChromiumError.h"
 #include "wevlin/webcontrols/chromium/ChromiumOptions.h"
 #include "wevlin/webcontrols/chromium/wevlin_chromium_export.h"
@@ -28,8 +30,20 @@ namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium {
 // HostControlInstance made on it; the control owns its browser process and
 // profile, and owns neither its HostAPI nor its load observers.
 //
-// Page to host: before any script of a document runs, the control defines
-// globalThis.wevlinHost there, an object with the five host functions
+// Who may talk to the host: the bridge policy (ChromiumOptions::bridgePolicy,
+// SetBridgePolicy). By default only documents in the top frame, of the
+// origin of the address the host last navigated to (Navigate, as
+// LaunchToTarget does). Other documents get no globalThis.wevlinHost; a call
+// that arrives from one anyway, as the browser reports its document, is
+// answered with the record of a std::runtime_error "The host does not serve
+// <origin>" (or "The host does not serve frames (<origin>)") and the log line
+// "ChromiumWebControl: refused <function> from <origin> (<url>)", and no
+// service is entered. While the top document's origin is not allowed,
+// ExecuteScript refuses to run anything in it. A host service asks
+// CurrentCaller() which document made the call it serves.
+//
+// Page to host: before any script of an allowed document runs, the control
+// defines globalThis.wevlinHost there, an object with the five host functions
 // tavoHostMethod(descriptorJson, payload), tavoHostEvent(descriptorJson,
 // payload), tavoHostPing(), tavoHost_WebSideServiceListUpdate(action,
 // listJson) and tavoHost_WebSideStartHandShake(). Each returns a Promise that
@@ -137,6 +151,18 @@ class WEVLIN_CHROMIUM_EXPORT ChromiumWebControl : public Infrastructure::Interop
 
   // Returns the HostAPI set with SetHostAPI, or null.
   Infrastructure::Interop::HostAPI* GetHostAPI() const;
+
+  // Replaces the bridge policy. Documents loaded from now on get the bridge
+  // as it says, and every later call and script is checked against it.
+  void SetBridgePolicy(WebControls::BridgePolicy policy);
+
+  // Returns the bridge policy.
+  const WebControls::BridgePolicy& GetBridgePolicy() const;
+
+  // Returns the document that made the page's call being served, while a
+  // HostAPI operation runs for it on the application's thread (inside a host
+  // service, say); null otherwise. Valid until that operation returns.
+  const WebControls::PageCaller* CurrentCaller() const;
 
   // Delivers the events queued so far (finished loads, calls of the page),
   // oldest first, and returns how many were taken. A call of the page is

@@ -73,6 +73,10 @@ class ChromiumProcess {
   // nothing more once done.
   void Terminate();
 
+  // Returns true when this process runs with the privileges of the system's
+  // administrator (root), under which the browser's sandbox cannot start.
+  static bool RunsAsAdministrator();
+
  private:
   // Notes, without reaping, whether the browser has ended.
   bool ObserveExitLocked();

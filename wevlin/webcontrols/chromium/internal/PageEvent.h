@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "wevlin/webcontrols/PageCaller.h"
+
 namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal {
 
 // One thing that happened in the browser and waits to be delivered on the
@@ -15,8 +17,12 @@ struct PageEvent {
     FrameStoppedLoading,
     // The page called the host through the binding: `sessionId`, `name` =
     // the binding's name, `text` = the call's JSON, `contextId` = the page's
-    // script context that waits for the answer.
+    // script context that waits for the answer, `caller` = its document as
+    // the browser reported it.
     BindingCalled,
+    // The control answered a dialog of the page: `sessionId`, `name` = its
+    // type, `text` = "accepted" or "dismissed".
+    DialogAnswered,
     // A navigation failed: `name` = the URL, `text` = the browser's reason.
     NavigationFailed,
     // The page's renderer process crashed: `sessionId`.
@@ -35,6 +41,7 @@ struct PageEvent {
   std::string name;
   std::string text;
   std::int64_t contextId = 0;
+  WebControls::PageCaller caller;
 };
 
 }  // namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal

@@ -324,6 +324,8 @@ const std::string& ChromiumProcess::ProfileDirectory() const { return profileDir
 
 std::int64_t ChromiumProcess::ProcessId() const { return pid_; }
 
+bool ChromiumProcess::RunsAsAdministrator() { return ::geteuid() == 0; }
+
 bool ChromiumProcess::Write(const char* data, std::size_t size,
                             std::chrono::steady_clock::time_point deadline, std::string* error) {
   std::lock_guard<std::mutex> lock(writeMutex_);
