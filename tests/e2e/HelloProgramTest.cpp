@@ -5,6 +5,7 @@
 #include <stdlib.h>
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -24,6 +25,7 @@ namespace {
 
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using wevlin_e2e::ProcessScan;
 using wevlin_e2e::ProgramRun;
 
@@ -95,6 +97,25 @@ TEST_F(HelloProgramTest, PrintsWhatCrossedAndExitsWithZero) {
                 "\"ServiceVersion\": \"_2014_02\"}\n"
                 "All calls crossed as expected.\n");
   EXPECT_THAT(run.standardError, IsEmpty());
+  ExpectNothingLeftBehind();
+}
+
+// Run as the system's unprivileged user "nobody", the browser keeps its
+// sandbox: the control passes no --no-sandbox and so writes no line about it,
+// and the page still does everything it did. Needs root to switch users (and
+// setpriv); without them, the run above was unprivileged already.
+TEST_F(HelloProgramTest, RunsWithTheBrowsersSandboxAsAnUnprivilegedUser) {
+  if (::geteuid() != 0) GTEST_SKIP() << "not root: the other tests run unprivileged already";
+  const std::string setpriv = "/usr/bin/setpriv";
+  if (::access(setpriv.c_str(), X_OK) != 0) GTEST_SKIP() << setpriv << " is missing";
+  // The unprivileged user writes the browser's profile and its home there.
+  ASSERT_EQ(::chmod(temporary_.c_str(), 0777), 0) << std::strerror(errno);
+  const ProgramRun run = ProgramRun::Start(
+      setpriv, {"--reuid=nobody", "--regid=nogroup", "--clear-groups", "--", kHello},
+      {"TMPDIR=" + temporary_.string(), "HOME=" + temporary_.string()});
+  ASSERT_EQ(run.exitStatus, 0) << run.standardOutput << run.standardError;
+  EXPECT_THAT(run.standardOutput, Not(HasSubstr("sandbox")));
+  EXPECT_THAT(run.standardOutput, HasSubstr("All calls crossed as expected.\n"));
   ExpectNothingLeftBehind();
 }
 

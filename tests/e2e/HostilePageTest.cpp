@@ -161,6 +161,42 @@ TEST_F(HostilePageTest, AScriptThatNeverEndsFailsAfterTheTimeOutAndIsStopped) {
   EXPECT_EQ(value, "42");
 }
 
+// The browser takes seconds to send big console messages; this page's script
+// may take that long.
+class HostileConsolePageTest : public HostilePageTest {
+ protected:
+  ChromiumOptions Options() const override {
+    ChromiumOptions options = HostilePageTest::Options();
+    options.commandTimeout = 60s;
+    return options;
+  }
+};
+
+TEST_F(HostileConsolePageTest, BigConsoleMessagesCostTheHostNothingWhileConsoleLoggingIsOff) {
+  const long before = ResidentKiB("VmHWM:");
+  std::string log;
+  {
+    StdoutCapture capture;
+    // Five messages of 10 MiB each (the browser takes a while to send them);
+    // the reply to this script comes after them on the pipe, so they have
+    // all gone by when it returns.
+    try {
+      EXPECT_EQ(Eval("const text = 'x'.repeat(10 * 1024 * 1024); "
+                     "for (let i = 0; i < 5; i++) console.log(text); 'logged'"),
+                "logged");
+    } catch (const ScriptException& error) {
+      ADD_FAILURE() << error.message << " (" << error.details << ")";
+    }
+    control_->PumpEvents();
+    log = capture.Text();
+  }
+  const long peak = ResidentKiB("VmHWM:");
+  std::cout << "50 MiB of console messages: the host's peak resident set grew by "
+            << (peak - before) / 1024 << " MiB\n";
+  EXPECT_EQ(log, "");
+  EXPECT_LT(peak - before, 10 * 1024);
+}
+
 TEST_F(HostilePageTest, AFloodOfUnawaitedCallsLeavesTheHostAnsweringInBoundedMemory) {
   const long before = ResidentKiB();
   Eval(

@@ -271,6 +271,17 @@ TEST_F(PageBridgeTest, ReplyExpressionCarriesTheAnswerInBase64) {
   EXPECT_EQ(PageBridge::ReplyExpression("__reply", answer), "globalThis.__reply(12, false, \"\")");
 }
 
+TEST_F(PageBridgeTest, ReplyEvaluateParamsAreTheEvaluateCommandsParameters) {
+  const std::string text = std::string(1000, 'z') + "\"\\\n";
+  std::string encoded;
+  interop::Base64::EncodeString(text, encoded);
+  EXPECT_EQ(
+      PageBridge::ReplyEvaluateParams("__reply", PageBridge::Answer{5, true, text}, 42),
+      R"x({"expression":"globalThis.__reply(5, true, \")x" + encoded + R"x(\")","contextId":42})x");
+  EXPECT_EQ(PageBridge::ReplyEvaluateParams("__reply", PageBridge::Answer{6, false, ""}, 0),
+            R"x({"expression":"globalThis.__reply(6, false, \"\")"})x");
+}
+
 TEST_F(PageBridgeTest, ShimSourceCallsTheShimWithTransportAndPolicy) {
   BridgePolicy policy;
   policy.AllowOrigin("https://help.test");

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <map>
 #include <mutex>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -57,6 +58,15 @@ constexpr char kTraceVariable[] = "WEVLIN_CHROMIUM_TRACE";
 
 constexpr char kCrashedText[] = "The page's renderer process crashed";
 constexpr char kControlName[] = "ChromiumWebControl";
+
+// What the browser answers a script for a script context that has gone.
+constexpr char kContextGone[] = "Cannot find context with specified id";
+constexpr char kDocumentChangedText[] = "The page's document changed before the script ran";
+
+// Room for the protocol's own members around a call's texts.
+constexpr std::size_t kMessageRoom = std::size_t{1024} * 1024;
+// The largest message of the browser that is read at all.
+constexpr std::size_t kMaxIncomingBase = std::size_t{1024} * 1024 * 1024;
 
 // RunUntil checks its condition at least this often.
 constexpr std::chrono::milliseconds kPollInterval{10};
@@ -206,17 +216,17 @@ class ChromiumWebControl::Impl {
 
  private:
   void OpenPage();
-  void OnProtocolEvent(DevToolsConnection& connection, const Json& message);
-  void Deliver(const PageEvent& event);
+  void OnProtocolEvent(DevToolsConnection& connection, Json& message);
+  void Deliver(PageEvent& event);
   void NotifyLoadObservers();
-  void ServeHostCall(const PageEvent& event);
+  void ServeHostCall(PageEvent& event);
   void InstallShim(std::chrono::milliseconds timeout);
   void TrackPage(const std::string& method, const Json& params);
   PageCaller CallerLocked(std::int64_t contextId) const;
   std::int64_t TopContextLocked(PageCaller& top) const;
   void AnswerDialog(DevToolsConnection& connection, const std::string& sessionId,
                     const Json& params);
-  void Reply(std::int64_t contextId, std::int64_t id, bool ok, const std::string& text);
+  void Reply(std::int64_t contextId, PageBridge::Answer answer);
   void ReleaseScriptObjects();
   bool PageCrashed();
   ScriptException ScriptFailure(const ChromiumError& error);
@@ -230,7 +240,7 @@ ChromiumWebControl::Impl::Impl(ChromiumOptions options) : options_(std::move(opt
                                                options_.showBrowserOutput);
   connection_ = std::make_unique<DevToolsConnection>(
       process_.get(),
-      [this](DevToolsConnection& connection, const Json& message) {
+      [this](DevToolsConnection& connection, Json& message) {
         OnProtocolEvent(connection, message);
       },
       [this](const std::string& reason) {
@@ -240,6 +250,22 @@ ChromiumWebControl::Impl::Impl(ChromiumOptions options) : options_(std::move(opt
         events_.Push(std::move(event));
       },
       TraceWanted(options_));
+  // A call's texts arrive escaped twice (by the page's JSON and by the
+  // protocol's), which can make them several times longer; a message longer
+  // than that is no call of an honest page and is skipped unread. Commands
+  // keep the connection's own ceiling, below what the browser accepts.
+  const std::size_t maxIncoming = options_.maxCallBytes > kMaxIncomingBase / 8
+                                      ? kMaxIncomingBase
+                                      : 8 * options_.maxCallBytes + kMessageRoom;
+  connection_->SetMessageLimits(maxIncoming, DevToolsConnection::kMaxPipeMessageBytes);
+  // Events the control does not use are not read at all, however big: the
+  // page's uncaught exceptions, and its console messages unless they are
+  // logged.
+  const bool logConsole = options_.logConsoleMessages;
+  connection_->SetEventFilter([logConsole](std::string_view method) {
+    return method != "Runtime.exceptionThrown" &&
+           (logConsole || method != "Runtime.consoleAPICalled");
+  });
   try {
     OpenPage();
   } catch (const ChromiumError& error) {
@@ -485,8 +511,7 @@ void ChromiumWebControl::Impl::AnswerDialog(DevToolsConnection& connection,
   events_.Push(std::move(event));
 }
 
-void ChromiumWebControl::Impl::OnProtocolEvent(DevToolsConnection& connection,
-                                               const Json& message) {
+void ChromiumWebControl::Impl::OnProtocolEvent(DevToolsConnection& connection, Json& message) {
   const std::string method = StringOf(message, "method");
   const std::string sessionId = StringOf(message, "sessionId");
   const Json& params = ParamsOf(message);
@@ -503,7 +528,11 @@ void ChromiumWebControl::Impl::OnProtocolEvent(DevToolsConnection& connection,
   } else if (method == "Runtime.bindingCalled") {
     event.kind = PageEvent::Kind::BindingCalled;
     event.name = StringOf(params, "name");
-    event.text = StringOf(params, "payload");
+    // Moved out of the message: a call may be as big as the limit.
+    const auto payload = message["params"].find("payload");
+    if (payload != message["params"].end() && payload->is_string()) {
+      event.text = std::move(payload->get_ref<std::string&>());
+    }
     const auto context = params.find("executionContextId");
     event.contextId =
         context != params.end() && context->is_number_integer() ? context->get<std::int64_t>() : 0;
@@ -541,7 +570,7 @@ std::size_t ChromiumWebControl::Impl::PumpEvents() {
   std::deque<PageEvent> batch;
   try {
     batch = events_.TakeAll();
-    for (const PageEvent& event : batch) Deliver(event);
+    for (PageEvent& event : batch) Deliver(event);
   } catch (...) {
     delivering_ = false;
     throw;
@@ -563,7 +592,7 @@ bool ChromiumWebControl::Impl::RunUntil(const std::function<bool()>& condition,
   }
 }
 
-void ChromiumWebControl::Impl::Deliver(const PageEvent& event) {
+void ChromiumWebControl::Impl::Deliver(PageEvent& event) {
   const bool ours = event.sessionId == sessionId_;
   switch (event.kind) {
     case PageEvent::Kind::FrameStoppedLoading:
@@ -613,23 +642,24 @@ void ChromiumWebControl::Impl::NotifyLoadObservers() {
   }
 }
 
-void ChromiumWebControl::Impl::ServeHostCall(const PageEvent& event) {
+void ChromiumWebControl::Impl::ServeHostCall(PageEvent& event) {
   PageBridge::Call call;
-  if (!PageBridge::ReadCall(event.text, call)) {
+  // The call's text is freed once read, before the service runs.
+  if (!PageBridge::ReadCall(std::move(event.text), call)) {
     WriteLogLine("ChromiumWebControl: ignored a malformed call of the page");
     return;
   }
-  const PageBridge::Answer answer = bridge_.Serve(std::move(call), event.caller);
-  Reply(event.contextId, answer.id, answer.ok, answer.text);
+  Reply(event.contextId, bridge_.Serve(std::move(call), event.caller));
 }
 
-void ChromiumWebControl::Impl::Reply(std::int64_t contextId, std::int64_t id, bool ok,
-                                     const std::string& text) {
-  Json params = {{"expression",
-                  PageBridge::ReplyExpression(kReplyFunction, PageBridge::Answer{id, ok, text})}};
-  if (contextId != 0) params["contextId"] = contextId;
+void ChromiumWebControl::Impl::Reply(std::int64_t contextId, PageBridge::Answer answer) {
   try {
-    connection_->Post("Runtime.evaluate", std::move(params), sessionId_, options_.commandTimeout);
+    // The parameters are written once, with the answer's encoding in place,
+    // and sent as they are.
+    connection_->PostRawParams(
+        "Runtime.evaluate",
+        PageBridge::ReplyEvaluateParams(kReplyFunction, std::move(answer), contextId), sessionId_,
+        options_.commandTimeout);
   } catch (const ChromiumError&) {
     // The browser or the page is gone: nobody waits for the answer any more.
   }
@@ -738,6 +768,12 @@ std::string ChromiumWebControl::Impl::ExecuteScript(const std::string& script) {
     if (error.kind() == ChromiumError::Kind::ProtocolError &&
         internal::IsUncopyableValueError(error.what())) {
       throw UncopyableValue(error);
+    }
+    if (contextId != 0 && error.kind() == ChromiumError::Kind::ProtocolError &&
+        std::string(error.what()).find(kContextGone) != std::string::npos) {
+      // The checked document went away (the page navigated) while the
+      // script was on its way: it ran nowhere.
+      throw ScriptException(kDocumentChangedText, "The script was not run.");
     }
     throw ScriptFailure(error);
   }

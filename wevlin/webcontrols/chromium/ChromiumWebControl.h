@@ -131,8 +131,13 @@ class WEVLIN_CHROMIUM_EXPORT ChromiumWebControl : public Infrastructure::Interop
   // copy the value, which then has run: a symbol, a cyclic object such as
   // window, or a BigInt or symbol inside an object (message: "The browser
   // cannot copy the script's value (Object reference chain is too long)");
-  // and when the browser is gone or does not answer within the command
-  // time-out (message: the problem; a script still running then is stopped).
+  // when the browser is gone or does not answer within the command
+  // time-out (message: the problem; a script still running then is stopped);
+  // and, running nothing, when the script is bigger than maxCallBytes, when
+  // the top document's origin may not talk to the host ("The page's origin
+  // <origin> is not allowed to talk to the host"), or when the document it
+  // was checked against went away meanwhile ("The page's document changed
+  // before the script ran").
   std::string ExecuteScript(std::string script) override;
 
   // Registers `observer` to be told of each finished load of the main frame,

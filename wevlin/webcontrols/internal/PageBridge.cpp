@@ -117,8 +117,9 @@ std::string PageBridge::ScriptRefusal(const PageCaller& top) const {
   return "The page's origin " + top.origin + " is not allowed to talk to the host";
 }
 
-bool PageBridge::ReadCall(std::string_view message, Call& call) {
-  const Json json = Json::parse(message.begin(), message.end(), nullptr, false);
+bool PageBridge::ReadCall(std::string message, Call& call) {
+  Json json = Json::parse(message, nullptr, false);
+  std::string().swap(message);
   if (json.is_discarded() || !json.is_object()) return false;
   const auto id = json.find("id");
   if (id == json.end() || !id->is_number_integer()) return false;
@@ -130,8 +131,9 @@ bool PageBridge::ReadCall(std::string_view message, Call& call) {
   const auto args = json.find("args");
   if (args != json.end() && args->is_array()) {
     call.args.reserve(args->size());
-    for (const Json& arg : *args) {
-      call.args.push_back(arg.is_string() ? arg.get<std::string>() : std::string());
+    for (Json& arg : *args) {
+      // Moved out of the parsed message: a big payload is not copied again.
+      call.args.push_back(arg.is_string() ? std::move(arg.get_ref<std::string&>()) : std::string());
     }
   }
   return true;
@@ -215,6 +217,25 @@ std::string PageBridge::ReplyExpression(const std::string& replyFunction, const 
   expression += encoded;
   expression += "\")";
   return expression;
+}
+
+std::string PageBridge::ReplyEvaluateParams(const std::string& replyFunction, Answer answer,
+                                            std::int64_t contextId) {
+  std::string head = R"({"expression":"globalThis.)" + replyFunction + "(" +
+                     std::to_string(answer.id) + (answer.ok ? R"(, true, \")" : R"(, false, \")");
+  std::string tail = R"x(\")")x";
+  if (contextId != 0) tail += R"(,"contextId":)" + std::to_string(contextId);
+  tail += "}";
+  // Base64 needs no escape inside a JSON string: the encoding goes into its
+  // place in the one text that is sent, which is reserved whole first.
+  const std::size_t encodedSize = (answer.text.size() + 2) / 3 * 4;
+  std::string params;
+  params.reserve(head.size() + encodedSize + tail.size());
+  Infrastructure::Interop::Base64::EncodeString(answer.text, params);
+  std::string().swap(answer.text);
+  params.insert(0, head);
+  params += tail;
+  return params;
 }
 
 std::string PageBridge::ShimSource(const std::string& transportExpression) const {

@@ -77,9 +77,10 @@ class PageBridge {
   // navigation do not change.
   std::string ScriptRefusal(const PageCaller& top) const;
 
-  // Reads one call message. Returns false for a message that is not a call
-  // (it cannot be answered: there is no id to answer).
-  static bool ReadCall(std::string_view message, Call& call);
+  // Reads one call message, which it takes and frees as soon as it is read
+  // (a call may be as big as the limit). Returns false for a message that is
+  // not a call (it cannot be answered: there is no id to answer).
+  static bool ReadCall(std::string message, Call& call);
 
   // Serves `call`, made by the document `caller`: refuses it with an
   // exception record when the policy does not allow the caller or the call is
@@ -95,6 +96,14 @@ class PageBridge {
   // the shim's reply function `replyFunction`: the answer's UTF-8 bytes
   // travel Base64-encoded, so no text of the host is ever parsed as script.
   static std::string ReplyExpression(const std::string& replyFunction, const Answer& answer);
+
+  // Returns the parameters of a DevTools Runtime.evaluate that runs the
+  // ReplyExpression of `answer` in the script context `contextId` (none when
+  // 0), as JSON text: {"expression": "...", "contextId": N}. Takes the
+  // answer and frees its text once encoded, so that at most the answer and
+  // its encoding are held at once.
+  static std::string ReplyEvaluateParams(const std::string& replyFunction, Answer answer,
+                                         std::int64_t contextId);
 
   // Returns the script that installs the page half of the bridge in a new
   // document: bridge-shim.js called with the control's transport (the

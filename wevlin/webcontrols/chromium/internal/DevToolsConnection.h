@@ -3,11 +3,13 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <thread>
 
 #include <nlohmann/json.hpp>
@@ -29,20 +31,38 @@ namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal {
 // settles the waiting calls and hands every event to the event handler. When
 // the pipe ends, it finds out how the browser ended, calls the closed
 // handler, and fails every waiting call with ChromiumError(Exited, "The
-// browser exited (killed by signal 9)") or the like. Texts that are not valid UTF-8
-// are sent with U+FFFD in place of the bad bytes; lone surrogates that a page
-// puts into a message arrive as U+FFFD.
+// browser exited (killed by signal 9)") or the like. Texts that are not valid
+// UTF-8 are sent with U+FFFD in place of the bad bytes; lone surrogates that a
+// page puts into a message, and bad bytes, arrive as U+FFFD.
 //
-// The connection does not own the process, which must outlive it. Call, Post
-// and FailCalls may be used from any thread; the handlers run on the reader
-// thread and must not wait for a Call.
+// Memory: a message of the browser bigger than the incoming limit is never
+// kept whole; the reader looks at its first bytes only (to fail the call it
+// answers, or to drop the event with one log line) and skips the rest as it
+// streams by. Events the event filter does not want are dropped unparsed. A
+// command bigger than the outgoing limit is refused before anything is
+// written, so that the browser never sees a message it would close the pipe
+// for (see kMaxPipeMessageBytes).
+//
+// The connection does not own the process, which must outlive it. Call, Post,
+// PostRawParams, FailCalls, SetMessageLimits and SetEventFilter may be used
+// from any thread; the handlers run on the reader thread and must not wait
+// for a Call.
 class DevToolsConnection {
  public:
+  // The largest command the connection ever writes (its NUL counted),
+  // whatever the limits set: the browser stops serving its DevTools pipe for
+  // good once it reads a message of 100 MiB (104,857,600 bytes, the NUL not
+  // counted) or more, and answers neither it nor any later one.
+  static constexpr std::size_t kMaxPipeMessageBytes = std::size_t{96} * 1024 * 1024;
+
   // Messages keep their members in the order the browser wrote them, so that
   // a value a script returns keeps the order of its keys.
   using Json = nlohmann::ordered_json;
-  // Receives an event message, on the reader thread.
-  using EventHandler = std::function<void(DevToolsConnection& connection, const Json& message)>;
+  // Receives an event message, on the reader thread. The handler may move
+  // parts out of the message (a big payload, say); it is dropped afterwards.
+  using EventHandler = std::function<void(DevToolsConnection& connection, Json& message)>;
+  // Tells, on the reader thread, whether events of `method` are wanted.
+  using EventFilter = std::function<bool(std::string_view method)>;
   // Receives the whole answer to a posted command, on the reader thread.
   using ReplyHandler = std::function<void(const Json& reply)>;
   // Told once that the pipe has ended, and why, on the reader thread, before
@@ -74,6 +94,30 @@ class DevToolsConnection {
   void Post(const std::string& method, Json params, const std::string& sessionId,
             std::chrono::milliseconds timeout, ReplyHandler onReply = ReplyHandler());
 
+  // Sends `method` with the params object `paramsJson`, written to the pipe
+  // as it is (neither parsed nor copied into a second text), without waiting
+  // for the answer. REQUIRES: `paramsJson` is one JSON object in valid UTF-8.
+  // Waits at most `timeout` for room in the pipe. Throws ChromiumError like
+  // Post, and ProtocolError for a command over the outgoing limit.
+  void PostRawParams(const std::string& method, std::string paramsJson,
+                     const std::string& sessionId,
+                     std::chrono::milliseconds timeout = std::chrono::milliseconds(30000));
+
+  // Sets the largest message of the browser that is read (the NUL not
+  // counted) and the largest command that is written (with its NUL; never
+  // more than kMaxPipeMessageBytes). A call whose answer is bigger fails with
+  // ChromiumError(ProtocolError, "The browser's answer to <method> was over
+  // the limit of N bytes"); a bigger event is dropped with the log line
+  // "ChromiumWebControl: dropped a message of the browser over N bytes"; a
+  // bigger command is refused with ChromiumError(ProtocolError, "The command
+  // <method> takes N bytes, more than the limit of M"). Unset: no incoming
+  // limit, kMaxPipeMessageBytes outgoing.
+  void SetMessageLimits(std::size_t maxIncomingBytes, std::size_t maxOutgoingBytes);
+
+  // Drops, before parsing them, the events whose method `wanted` rejects.
+  // An empty filter wants every event.
+  void SetEventFilter(EventFilter wanted);
+
   // Fails every call waiting for an answer from the session `sessionId` with
   // ChromiumError(`kind`, `reason`). Used when the page's renderer crashed or
   // the page was closed, since such calls would never be answered.
@@ -91,12 +135,24 @@ class DevToolsConnection {
 
  private:
   struct PendingCall;
+  class BlockText;
 
   int Send(const std::string& method, Json params, const std::string& sessionId,
            std::chrono::milliseconds timeout, std::shared_ptr<PendingCall> call,
            ReplyHandler onReply);
+  int Register(std::shared_ptr<PendingCall> call, ReplyHandler onReply);
+  void CheckOutgoing(int id, const std::string& method, std::size_t size);
+  // Receives one piece of a command's text.
+  using TextSink = std::function<void(std::string_view piece)>;
+  void WriteCommand(int id, const std::string& method, std::chrono::milliseconds timeout,
+                    const std::function<void(const TextSink&)>& produce);
   void ReadLoop();
-  void Dispatch(const char* text, std::size_t size);
+  bool Unwanted(std::string_view head);
+  void Dispatch(std::string_view view);
+  // Takes a message read in blocks, and frees them.
+  void DispatchBlocks(BlockText* blocks);
+  void Handle(Json& message);
+  void DropOversized(std::string_view head, std::size_t limit);
   void Close(const std::string& reason);
 
   ChromiumProcess* process_;
@@ -112,6 +168,11 @@ class DevToolsConnection {
   bool closed_ = false;
   std::string closeReason_;
   bool stopping_ = false;
+  std::size_t maxIncoming_ = static_cast<std::size_t>(-1);
+  std::size_t maxOutgoing_ = kMaxPipeMessageBytes;
+  std::shared_ptr<const EventFilter> eventFilter_;
+  // Keeps the pieces of one command together in the pipe.
+  std::mutex writeMutex_;
   std::thread reader_;
 };
 
