@@ -8,19 +8,21 @@
 #   lib/cmake/wevlin/                   find_package(wevlin CONFIG): target
 #                                       wevlin::wevlin, component chromium
 #                                       with target wevlin::chromium,
-#                                       component testing with target
-#                                       wevlin::testing
+#                                       component webkitgtk with target
+#                                       wevlin::webkitgtk, component testing
+#                                       with target wevlin::testing
 #   lib/pkgconfig/wevlin.pc             pkg-config (and wevlin-chromium.pc,
-#                                       wevlin-testing.pc)
+#                                       wevlin-webkitgtk.pc, wevlin-testing.pc)
 #   share/wevlin/wevlin.js              the page-side library, as a classic
 #                                       script that a hosted page loads
 #   share/doc/wevlin/LICENSE            the licence (MIT)
 #
-# Install components: "wevlin" (the library), "chromium" (the Chromium web
-# control, when it is built) and "testing" (the test kit, when it is built),
-# e.g. cmake --install build --component wevlin. A web control or the test kit
-# is of no use without the library it is built on, so installing the
-# component "chromium" or "testing" alone installs "wevlin" with it.
+# Install components: "wevlin" (the library), "chromium" and "webkitgtk" (the
+# web controls, when they are built) and "testing" (the test kit, when it is
+# built), e.g. cmake --install build --component wevlin. A web control or the
+# test kit is of no use without the library it is built on, so installing the
+# component "chromium", "webkitgtk" or "testing" alone installs "wevlin" with
+# it.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -122,7 +124,8 @@ if(TARGET wevlin_chromium)
     COMPONENT chromium
     FILES_MATCHING PATTERN "*.h"
     PATTERN "internal" EXCLUDE
-    PATTERN "chromium" EXCLUDE)
+    PATTERN "chromium" EXCLUDE
+    PATTERN "webkitgtk" EXCLUDE)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/wevlin/webcontrols/chromium/"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/wevlin/webcontrols/chromium"
     COMPONENT chromium
@@ -136,6 +139,50 @@ if(TARGET wevlin_chromium)
     NAMESPACE wevlin::
     DESTINATION "${WEVLIN_INSTALL_CMAKEDIR}"
     COMPONENT chromium)
+endif()
+
+# --- The WebKitGTK web control ---------------------------------------------------
+set(WEVLIN_HAS_WEBKITGTK OFF)
+if(TARGET wevlin_webkitgtk)
+  set(WEVLIN_HAS_WEBKITGTK ON)
+  wevlin_install_component_dependency(webkitgtk wevlin)
+  set_target_properties(wevlin_webkitgtk PROPERTIES EXPORT_NAME webkitgtk)
+  # The installed web control finds the installed wevlin beside itself, in
+  # whatever prefix the two were installed.
+  if(APPLE)
+    set_target_properties(wevlin_webkitgtk PROPERTIES INSTALL_RPATH "@loader_path")
+  elseif(UNIX)
+    set_target_properties(wevlin_webkitgtk PROPERTIES INSTALL_RPATH "$ORIGIN")
+  endif()
+  install(TARGETS wevlin_webkitgtk
+    EXPORT wevlinWebKitGtkTargets
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT webkitgtk
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT webkitgtk
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT webkitgtk)
+  # The bridge's public headers, which every web control shares.
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/wevlin/webcontrols/"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/wevlin/webcontrols"
+    COMPONENT webkitgtk
+    FILES_MATCHING PATTERN "*.h"
+    PATTERN "internal" EXCLUDE
+    PATTERN "chromium" EXCLUDE
+    PATTERN "webkitgtk" EXCLUDE)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/wevlin/webcontrols/webkitgtk/"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/wevlin/webcontrols/webkitgtk"
+    COMPONENT webkitgtk
+    FILES_MATCHING PATTERN "*.h"
+    PATTERN "internal" EXCLUDE
+    PATTERN "port" EXCLUDE)
+  install(FILES
+    "${PROJECT_BINARY_DIR}/include/wevlin/webcontrols/webkitgtk/wevlin_webkitgtk_export.h"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/wevlin/webcontrols/webkitgtk"
+    COMPONENT webkitgtk)
+  # The exported target names WebKitGTK as PkgConfig::WEBKITGTK, which
+  # wevlinConfig.cmake defines again with pkg-config for the consumer.
+  install(EXPORT wevlinWebKitGtkTargets
+    NAMESPACE wevlin::
+    DESTINATION "${WEVLIN_INSTALL_CMAKEDIR}"
+    COMPONENT webkitgtk)
 endif()
 
 # --- The test kit -------------------------------------------------------------------
@@ -222,6 +269,9 @@ function(wevlin_install_pkgconfig template name component)
     if(name STREQUAL "wevlin-chromium")
       string(APPEND WEVLIN_PC_CFLAGS " -DWEVLIN_CHROMIUM_STATIC_DEFINE")
     endif()
+    if(name STREQUAL "wevlin-webkitgtk")
+      string(APPEND WEVLIN_PC_CFLAGS " -DWEVLIN_WEBKITGTK_STATIC_DEFINE")
+    endif()
     if(name STREQUAL "wevlin-testing")
       string(APPEND WEVLIN_PC_CFLAGS " -DWEVLIN_TESTING_STATIC_DEFINE")
     endif()
@@ -249,6 +299,10 @@ endfunction()
 wevlin_install_pkgconfig("${PROJECT_SOURCE_DIR}/cmake/wevlin.pc.in" wevlin wevlin)
 if(WEVLIN_HAS_CHROMIUM)
   wevlin_install_pkgconfig("${PROJECT_SOURCE_DIR}/cmake/wevlin-chromium.pc.in" wevlin-chromium chromium)
+endif()
+if(WEVLIN_HAS_WEBKITGTK)
+  wevlin_install_pkgconfig("${PROJECT_SOURCE_DIR}/cmake/wevlin-webkitgtk.pc.in" wevlin-webkitgtk
+    webkitgtk)
 endif()
 if(WEVLIN_HAS_TESTING)
   wevlin_install_pkgconfig("${PROJECT_SOURCE_DIR}/cmake/wevlin-testing.pc.in" wevlin-testing testing)

@@ -18,8 +18,10 @@ cd "$(dirname "$0")/.."
 . scripts/lib/prereqs.sh
 
 # clang-tidy brings run-clang-tidy (and python3, which both scripts below use);
-# nlohmann-json3-dev is needed to configure the Chromium control.
-ensure_packages "${WEVLIN_BUILD_PACKAGES[@]}" clang clang-tidy nlohmann-json3-dev
+# nlohmann-json3-dev is needed to configure the web controls, and
+# libwebkit2gtk-4.1-dev the WebKitGTK one.
+ensure_packages "${WEVLIN_BUILD_PACKAGES[@]}" clang clang-tidy nlohmann-json3-dev \
+  libwebkit2gtk-4.1-dev
 
 build_dir="${BUILD_DIR:-build/clang-tidy}"
 jobs="${JOBS:-$(nproc)}"
@@ -30,6 +32,7 @@ started=$(date +%s)
 cmake --preset linux-debug -B "$build_dir" \
   -DCMAKE_CXX_COMPILER=clang++ \
   -DWEVLIN_BUILD_CHROMIUM=ON \
+  -DWEVLIN_BUILD_WEBKITGTK=ON \
   -DWEVLIN_BUILD_TESTS=OFF \
   -DWEVLIN_BUILD_EXAMPLES=OFF \
   -DWEVLIN_BUILD_BENCHMARKS=OFF \

@@ -1,21 +1,25 @@
 #!/usr/bin/env bash
 # Checks wevlin as its users receive it:
 #
-#   1. builds the library and the Chromium web control (Release, no tests)
-#      and installs them into a temporary prefix; checks the installed tree:
+#   1. builds the library and the Chromium web control (Release, no tests),
+#      and the WebKitGTK web control (unless WEVLIN_PACKAGE_WEBKITGTK=OFF),
+#      and installs
+#      them into a temporary prefix; checks the installed tree:
 #      public headers only, the versioned shared libraries and their sonames,
 #      the CMake package and the pkg-config files, the page-side library and
 #      the licence; checks that the install component "wevlin" leaves the web
-#      control out, and that the component "chromium" alone brings the
-#      library it needs and is found by find_package;
+#      control out, and that the component "chromium" (and "webkitgtk") alone
+#      brings the library it needs and is found by find_package;
 #   2. builds and runs tests/package/find-package against that prefix with
-#      find_package(wevlin CONFIG REQUIRED COMPONENTS chromium) and
+#      find_package(wevlin CONFIG REQUIRED COMPONENTS chromium), COMPONENTS
+#      webkitgtk (when built; under xvfb-run when it is installed) and
 #      COMPONENTS testing: every installed header compiled on its own, and
 #      the consumer programs linked to the shared libraries (with g++ and
 #      with clang++), among them a test written with the test kit;
 #   3. builds and runs the same consumer with nothing but the flags of
 #      `pkg-config --cflags --libs wevlin`, and the test kit's consumer with
-#      those of wevlin-testing; checks that the component "testing" is left
+#      those of wevlin-testing (and the WebKitGTK consumer with those of
+#      wevlin-webkitgtk); checks that the component "testing" is left
 #      out of the component "wevlin" and named when it is missing;
 #   4. builds and runs tests/package/add-subdirectory, which builds wevlin
 #      from source as a subproject;
@@ -29,7 +33,15 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/lib/prereqs.sh
 
-ensure_packages "${WEVLIN_BUILD_PACKAGES[@]}" binutils nlohmann-json3-dev
+# The WebKitGTK web control is part of the check unless
+# WEVLIN_PACKAGE_WEBKITGTK=OFF says otherwise; its consumer runs a script in a
+# real view, on a virtual display.
+webkitgtk="${WEVLIN_PACKAGE_WEBKITGTK:-ON}"
+webkitgtk_packages=()
+if [ "$webkitgtk" = ON ]; then
+  webkitgtk_packages=(libwebkit2gtk-4.1-dev xvfb xauth)
+fi
+ensure_packages "${WEVLIN_BUILD_PACKAGES[@]}" binutils nlohmann-json3-dev "${webkitgtk_packages[@]}"
 missing=()
 command -v node >/dev/null 2>&1 || missing+=(nodejs)
 command -v npm >/dev/null 2>&1 || missing+=(npm)
@@ -62,11 +74,22 @@ version="$(sed -n 's/^ *VERSION \([0-9][0-9.]*\)$/\1/p' CMakeLists.txt | head -n
 major="${version%%.*}"
 echo "== wevlin $version"
 
+# Runs a command with a display when xvfb-run is installed (the WebKitGTK
+# consumers then run a script in a real view), else as it is.
+with_display() {
+  if [ "$webkitgtk" = ON ] && command -v xvfb-run >/dev/null 2>&1; then
+    xvfb-run -a "$@"
+  else
+    "$@"
+  fi
+}
+echo "== WebKitGTK web control: $webkitgtk"
+
 echo "== Building and installing into $prefix"
 # The linux-release preset gives Ninja, Release and warnings as errors.
 cmake --preset linux-release -B "$build_dir" -DCMAKE_CXX_COMPILER=g++ \
   -DWEVLIN_BUILD_TESTS=OFF -DWEVLIN_BUILD_EXAMPLES=OFF -DWEVLIN_BUILD_BENCHMARKS=OFF \
-  -DWEVLIN_BUILD_CHROMIUM=ON -DWEVLIN_INSTALL=ON >/dev/null
+  -DWEVLIN_BUILD_CHROMIUM=ON -DWEVLIN_BUILD_WEBKITGTK="$webkitgtk" -DWEVLIN_INSTALL=ON >/dev/null
 cmake --build "$build_dir" --parallel "$jobs"
 cmake --install "$build_dir" --prefix "$prefix" >/dev/null
 
@@ -81,6 +104,7 @@ expect_eq "installed files that are not headers" "${others:-none}" "none"
 # Every header of the source tree outside internal/ and port/ is installed.
 for header in $(cd "$source_dir" && find wevlin/infrastructure wevlin/webcontrols wevlin/testing \
   -name '*.h' ! -path '*/internal/*' ! -path '*/port/*'); do
+  if [ "$webkitgtk" != ON ] && [[ "$header" == wevlin/webcontrols/webkitgtk/* ]]; then continue; fi
   [ -f "$prefix/include/$header" ] || fail "$header is not installed"
 done
 echo "ok   every public header is installed"
@@ -90,7 +114,20 @@ echo "ok   every public header is installed"
 [ -f "$prefix/include/wevlin/testing/wevlin_testing_export.h" ] ||
   fail "wevlin/testing/wevlin_testing_export.h is not installed"
 libdir="$prefix/lib"
-for name in wevlin wevlin_chromium wevlin_testing; do
+libraries=(wevlin wevlin_chromium wevlin_testing)
+target_files=(wevlinChromiumTargets.cmake wevlinTestingTargets.cmake)
+pc_names=(wevlin wevlin-chromium wevlin-testing)
+if [ "$webkitgtk" = ON ]; then
+  [ -f "$prefix/include/wevlin/webcontrols/webkitgtk/wevlin_webkitgtk_export.h" ] ||
+    fail "wevlin/webcontrols/webkitgtk/wevlin_webkitgtk_export.h is not installed"
+  libraries+=(wevlin_webkitgtk)
+  target_files+=(wevlinWebKitGtkTargets.cmake)
+  pc_names+=(wevlin-webkitgtk)
+else
+  webkitgtk_files="$(cd "$prefix" && find . -ipath '*webkitgtk*' -print)"
+  expect_eq "files of the WebKitGTK control installed without it" "${webkitgtk_files:-none}" "none"
+fi
+for name in "${libraries[@]}"; do
   real="$libdir/lib$name.so.$version"
   [ -f "$real" ] || fail "lib$name.so.$version is not installed"
   expect_eq "lib$name.so.$major" "$(readlink "$libdir/lib$name.so.$major")" "lib$name.so.$version"
@@ -99,7 +136,7 @@ for name in wevlin wevlin_chromium wevlin_testing; do
   expect_eq "soname of lib$name" "$soname" "lib$name.so.$major"
 done
 for file in wevlinConfig.cmake wevlinConfigVersion.cmake wevlinTargets.cmake \
-  wevlinChromiumTargets.cmake wevlinTestingTargets.cmake; do
+  "${target_files[@]}"; do
   [ -f "$libdir/cmake/wevlin/$file" ] || fail "lib/cmake/wevlin/$file is not installed"
 done
 echo "ok   CMake package files"
@@ -143,6 +180,35 @@ cmake -S tests/package/find-package -B "$work/chromium-only-build" -G Ninja \
   -DWEVLIN_TEST_CHROMIUM=ON >/dev/null
 echo "ok   find_package(wevlin COMPONENTS chromium) finds a tree with only the component"
 
+if [ "$webkitgtk" = ON ]; then
+  echo "== The install component \"webkitgtk\" alone"
+  webkitgtk_in_core="$(cd "$work/core-only" && find . -ipath '*webkitgtk*' -print)"
+  expect_eq "files of the WebKitGTK control in the component wevlin" "${webkitgtk_in_core:-none}" \
+    "none"
+  webkitgtk_in_chromium="$(cd "$work/chromium-only" && find . -ipath '*webkitgtk*' -print)"
+  expect_eq "files of the WebKitGTK control in the component chromium" \
+    "${webkitgtk_in_chromium:-none}" "none"
+  cmake --install "$build_dir" --prefix "$work/webkitgtk-only" --component webkitgtk >/dev/null
+  for file in lib/libwevlin.so.$version lib/libwevlin_webkitgtk.so.$version \
+    lib/cmake/wevlin/wevlinConfig.cmake lib/cmake/wevlin/wevlinWebKitGtkTargets.cmake \
+    include/wevlin/wevlin.h include/wevlin/webcontrols/BridgePolicy.h \
+    include/wevlin/webcontrols/webkitgtk/WebKitGtkWebControl.h share/wevlin/wevlin.js; do
+    [ -e "$work/webkitgtk-only/$file" ] || fail "installing only \"webkitgtk\" left out $file"
+  done
+  echo "ok   the component brings the library, its headers and the CMake package"
+  cmake -S tests/package/find-package -B "$work/webkitgtk-only-build" -G Ninja \
+    -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$work/webkitgtk-only" \
+    -DWEVLIN_TEST_WEBKITGTK=ON >/dev/null
+  echo "ok   find_package(wevlin COMPONENTS webkitgtk) finds a tree with only the component"
+  if cmake -S tests/package/find-package -B "$work/no-webkitgtk" -G Ninja \
+    -DCMAKE_PREFIX_PATH="$work/core-only" -DWEVLIN_TEST_WEBKITGTK=ON >"$work/no-webkitgtk.log" 2>&1; then
+    fail "find_package(wevlin COMPONENTS webkitgtk) succeeded without the component"
+  fi
+  grep -q 'has no component "webkitgtk"' "$work/no-webkitgtk.log" ||
+    fail "the missing component is not named: $(cat "$work/no-webkitgtk.log")"
+  echo "ok   find_package(wevlin COMPONENTS webkitgtk) fails without the component"
+fi
+
 echo "== pkg-config"
 export PKG_CONFIG_PATH="$libdir/pkgconfig"
 expect_eq "pkg-config --modversion wevlin" "$(pkg-config --modversion wevlin)" "$version"
@@ -155,7 +221,7 @@ expect_eq "pkg-config --cflags --libs wevlin" "$(pkg-config --cflags --libs wevl
   "-I$prefix/include -L$libdir -lwevlin"
 expect_eq "pkg-config --variable=pagescript wevlin" "$(pkg-config --variable=pagescript wevlin)" \
   "$prefix/share/wevlin/wevlin.js"
-for name in wevlin wevlin-chromium wevlin-testing; do
+for name in "${pc_names[@]}"; do
   grep -qx 'License: MIT' "$libdir/pkgconfig/$name.pc" || fail "$name.pc does not name the licence"
 done
 echo "ok   every pkg-config file names the licence"
@@ -176,22 +242,34 @@ expect_eq "pkg-config --cflags --libs wevlin-testing" \
 g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror tests/package/consumer/testing_consumer.cpp \
   $(pkg-config --cflags --libs wevlin-testing) -o "$work/testing-consumer-pkg-config"
 LD_LIBRARY_PATH="$libdir" "$work/testing-consumer-pkg-config" | tail -n 1
+if [ "$webkitgtk" = ON ]; then
+  expect_eq "pkg-config --modversion wevlin-webkitgtk" \
+    "$(pkg-config --modversion wevlin-webkitgtk)" "$version"
+  webkitgtk_flags="$(pkg-config --cflags --libs wevlin-webkitgtk)"
+  [[ "$webkitgtk_flags" == *-lwevlin_webkitgtk* && "$webkitgtk_flags" == *-lwebkit2gtk-4.1* ]] ||
+    fail "pkg-config --cflags --libs wevlin-webkitgtk lacks the control or WebKitGTK: $webkitgtk_flags"
+  echo "ok   pkg-config wevlin-webkitgtk names the control, wevlin and WebKitGTK"
+  # shellcheck disable=SC2086 # the flags are meant to be split
+  g++ -std=c++17 -Wall -Wextra -Wpedantic -Werror tests/package/consumer/webkitgtk_consumer.cpp \
+    $webkitgtk_flags -o "$work/webkitgtk-consumer-pkg-config"
+  LD_LIBRARY_PATH="$libdir" with_display "$work/webkitgtk-consumer-pkg-config" | tail -n 1
+fi
 
 echo "== find_package(wevlin CONFIG REQUIRED COMPONENTS chromium), COMPONENTS testing"
 cmake -S tests/package/find-package -B "$work/find-package" -G Ninja \
   -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$prefix" -DWEVLIN_TEST_CHROMIUM=ON \
-  -DWEVLIN_TEST_TESTING=ON
+  -DWEVLIN_TEST_WEBKITGTK="$webkitgtk" -DWEVLIN_TEST_TESTING=ON
 cmake --build "$work/find-package" --parallel "$jobs"
-ctest --test-dir "$work/find-package" --output-on-failure
+with_display ctest --test-dir "$work/find-package" --output-on-failure
 
 if command -v clang++ >/dev/null 2>&1; then
   echo "== The same with clang++"
   cmake -S tests/package/find-package -B "$work/find-package-clang" -G Ninja \
     -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$prefix" -DWEVLIN_TEST_CHROMIUM=ON \
-    -DWEVLIN_TEST_TESTING=ON \
+    -DWEVLIN_TEST_WEBKITGTK="$webkitgtk" -DWEVLIN_TEST_TESTING=ON \
     -DCMAKE_CXX_COMPILER=clang++
   cmake --build "$work/find-package-clang" --parallel "$jobs"
-  ctest --test-dir "$work/find-package-clang" --output-on-failure
+  with_display ctest --test-dir "$work/find-package-clang" --output-on-failure
 fi
 
 echo "== add_subdirectory(wevlin)"

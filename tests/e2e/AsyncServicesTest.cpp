@@ -302,6 +302,35 @@ TEST_F(AsyncServicesTest, SoaRepliesInAllThreeShapesComeFromOtherThreads) {
   EXPECT_EQ(instance_->GetContentState(), HostContentState::LoggedIn);
 }
 
+// A page that chooses its own cache identifier cannot make the hand-written
+// "_2015_10" reply run script: the identifier is written as a JSON string,
+// whatever quotes and backslashes it holds, under either quoting.
+TEST_F(AsyncServicesTest, ACacheIdMadeToBreakOutOfTheReplyStaysData) {
+  RegisterService(new soa02::AsyncSoaJsonMessageSvc(&soa_));
+  LaunchAndLogIn("catalogue.html");
+  const std::string cacheId = R"(x\');window.injected=1;//\")";
+  const std::string request = "{CacheId: " + JsString(cacheId) +
+                              ", ReplyServiceDescriptor: " + JsString(kSoaReplyDescriptor) +
+                              ", ServiceName: 'Orders', OperationName: 'List', Message: '{}', "
+                              "Version: '_2015_10'}";
+
+  soa_.Plan("\"{\"a\": 1}\"");
+  ASSERT_EQ(Raise(kSoaFqn, request), Resolved(nullptr));
+  soa_.workers.JoinAll();
+  control_->RunUntil([] { return false; }, std::chrono::milliseconds(300));
+  EXPECT_EQ(Eval("String(window.injected)"), "undefined");
+
+  instance_->SetScriptQuoting(interop::ScriptQuoting::Strict);
+  const std::size_t before = std::stoul(Eval("catalogue.count('soaReplies')"));
+  soa_.Plan("\"{\"a\": 1}\"");
+  ASSERT_EQ(Raise(kSoaFqn, request), Resolved(nullptr));
+  const std::vector<std::string> replies = WaitForReplies("soaReplies", before + 1);
+  EXPECT_EQ(replies.back(), R"({"CacheId":)" + Json(cacheId).dump() +
+                                R"(,"SoaResponse":{"a": 1},"Version":"_2015_10"})");
+  EXPECT_EQ(Json::parse(replies.back())["CacheId"], cacheId);
+  EXPECT_EQ(Eval("String(window.injected)"), "undefined");
+}
+
 TEST_F(AsyncServicesTest, BadSoaRequestsAreRejectedInThePage) {
   RegisterService(new soa02::AsyncSoaJsonMessageSvc(&soa_));
   LaunchAndLogIn("catalogue.html");

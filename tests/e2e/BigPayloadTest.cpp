@@ -59,10 +59,10 @@ bool ResetPeak() {
 
 class BigPayloadTest : public BrowserFixture {
  protected:
-  ChromiumOptions Options() const override {
-    ChromiumOptions options;
+  ControlSettings Settings() const override {
+    ControlSettings options;
     options.maxCallBytes = std::size_t{64} * 1024 * 1024;
-    options.commandTimeout = 60s;
+    options.scriptTimeout = 60s;
     return options;
   }
 
@@ -130,14 +130,19 @@ class BigPayloadTest : public BrowserFixture {
   long lastPeakGrowthKiB_ = 0;
 };
 
-// The host holds the payload a few times over on the way: the browser's
-// message while it is read, the call's text while it is read, the service's
-// argument and answer, and the answer's encoding. Five times the payload is
-// what it takes today (about 4.4 here); fewer copies are still to come.
-TEST_F(BigPayloadTest, EchoesFiftyMegabytesWithinFiveTimesThePayload) {
+// The host's peak for one call stays under three times its payload with the
+// Chromium control: while the browser's message is read, its raw text (given
+// back as the call's text is decoded from it) and the call's text; then the
+// call's text and its argument; then the service's argument and answer. The
+// answer is encoded into the pipe piece by piece. About 2.4 times the payload
+// here. The WebKitGTK control receives the call and sends the answer through
+// WebKit's own messages and JavaScript strings inside this process, which
+// take about five more copies: about 7.7 times the payload.
+TEST_F(BigPayloadTest, EchoesFiftyMegabytesWithinItsEnginesBound) {
   ASSERT_TRUE(Echo(100 * 1024, "100 KiB echo"));
   ASSERT_TRUE(Echo(50 * 1000 * 1000, "50 MB echo"));
-  EXPECT_LT(lastPeakGrowthKiB_ * 1024, 5L * 50 * 1000 * 1000);
+  const long times = TheEngine() == Engine::Chromium ? 3 : 9;
+  EXPECT_LT(lastPeakGrowthKiB_ * 1024, times * 50 * 1000 * 1000);
 }
 
 }  // namespace

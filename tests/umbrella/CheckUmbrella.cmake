@@ -7,7 +7,9 @@
 #         -DUMBRELLA=<header, relative to include/> -DSUBTREE=<folder below
 #         include/ that holds the component's headers>
 #         [-DEXCLUDE=<folders below SUBTREE that belong to other components>]
-#         [-DDEPENDS=<components to install first>] -P CheckUmbrella.cmake
+#         [-DDEPENDS=<components to install first>]
+#         [-DSYSTEM_INCLUDES=<folders of headers the component needs from other
+#         packages, e.g. GTK's, "|" between them>] -P CheckUmbrella.cmake
 #
 # The component is installed into WORK/prefix with `cmake --install`, so what
 # is compared is what an application really gets. The umbrella is then run
@@ -55,11 +57,20 @@ if(NOT "${UMBRELLA}" IN_LIST installed)
   message(FATAL_ERROR "The component ${COMPONENT} did not install ${UMBRELLA}")
 endif()
 
+# Headers of other packages that the component's headers include come from
+# their own folders, never from this project's.
+set(system_flags "")
+string(REPLACE "|" ";" SYSTEM_INCLUDES "${SYSTEM_INCLUDES}")
+foreach(folder IN LISTS SYSTEM_INCLUDES)
+  list(APPEND system_flags "-isystem${folder}")
+endforeach()
+
 # What the umbrella reaches.
 set(unit "${WORK}/umbrella.cpp")
 file(WRITE "${unit}" "#include \"${UMBRELLA}\"\n")
 execute_process(
-  COMMAND "${CXX}" -std=c++17 "-I${include_dir}" -M -MF "${WORK}/umbrella.d" "${unit}"
+  COMMAND "${CXX}" -std=c++17 "-I${include_dir}" ${system_flags} -M -MF "${WORK}/umbrella.d"
+    "${unit}"
   OUTPUT_VARIABLE preprocess_output ERROR_VARIABLE preprocess_output
   RESULT_VARIABLE result)
 if(NOT result EQUAL 0)
@@ -130,7 +141,8 @@ foreach(name IN LISTS names)
 endforeach()
 file(WRITE "${WORK}/exported.cpp" "${source}")
 execute_process(
-  COMMAND "${CXX}" -std=c++17 "-I${include_dir}" -fsyntax-only "${WORK}/exported.cpp"
+  COMMAND "${CXX}" -std=c++17 "-I${include_dir}" ${system_flags} -fsyntax-only
+    "${WORK}/exported.cpp"
   OUTPUT_VARIABLE compile_output ERROR_VARIABLE compile_output
   RESULT_VARIABLE result)
 if(NOT result EQUAL 0)

@@ -17,15 +17,33 @@ BrowserFixture::BrowserFixture() = default;
 
 BrowserFixture::~BrowserFixture() = default;
 
-BrowserFixture::ChromiumOptions BrowserFixture::Options() const { return ChromiumOptions(); }
+ControlSettings BrowserFixture::Settings() const { return ControlSettings(); }
+
+Engine BrowserFixture::TheEngine() { return CurrentEngine(); }
+
+std::string BrowserFixture::ByEngine(const std::string& chromium, const std::string& webkitgtk) {
+  return TheEngine() == Engine::Chromium ? chromium : webkitgtk;
+}
+
+std::string BrowserFixture::ControlName() {
+  return TheEngine() == Engine::Chromium ? "ChromiumWebControl" : "WebKitGtkWebControl";
+}
+
+void BrowserFixture::CrashPage() { engine_->CrashPage(); }
+
+BrowserFixture::ChromiumWebControl* BrowserFixture::Chromium() const {
+  return engine_ ? engine_->Chromium() : nullptr;
+}
 
 void BrowserFixture::SetUp() {
   previousManager_ = interop::internal::HostManagerTestPeer::InstallFresh();
   managerInstalled_ = true;
   RegisterService(new Com::Velmora::TAVO::Wevlin::Infrastructure::Services::Core::_2014_02::
                       StartupNotificationSvc());
-  control_ = std::make_unique<ChromiumWebControl>(Options());
-  instance_ = std::make_unique<HostControlInstance>(control_.get());
+  engine_ = StartEngine(TheEngine(), Settings());
+  ASSERT_NE(engine_, nullptr);
+  control_ = &engine_->Control();
+  instance_ = std::make_unique<HostControlInstance>(control_);
   api_ = std::make_unique<HostAPI>(instance_.get());
   control_->SetHostAPI(api_.get());
   listener_ = std::make_unique<wevlin_test::RecordingPropertyListener>(instance_.get());
@@ -39,11 +57,10 @@ void BrowserFixture::ShutDown() {
   if (control_) control_->SetHostAPI(nullptr);
   api_.reset();
   instance_.reset();
-  if (control_) {
-    const std::int64_t pid = control_->BrowserProcessId();
-    const std::string profile = control_->ProfileDirectory();
-    control_.reset();
-    ExpectNothingLeft(pid, profile);
+  if (engine_) {
+    control_ = nullptr;
+    engine_->Close();
+    engine_.reset();
   }
   if (managerInstalled_) {
     interop::internal::HostManagerTestPeer::Restore(previousManager_);

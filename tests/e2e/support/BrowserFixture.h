@@ -10,34 +10,37 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "support/Engine.h"
 #include "support/RecordingPropertyListener.h"
 #include "wevlin/infrastructure/interop/HostAPI.h"
 #include "wevlin/infrastructure/interop/HostContentState.h"
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
 #include "wevlin/infrastructure/interop/HostManager.h"
 #include "wevlin/infrastructure/interop/IHostServiceDescriptor.h"
-#include "wevlin/webcontrols/chromium/ChromiumOptions.h"
+#include "wevlin/webcontrols/IBridgedWebControl.h"
 #include "wevlin/webcontrols/chromium/ChromiumWebControl.h"
 
 namespace wevlin_e2e {
 
 // Base of the end-to-end tests that host a page: a fresh host manager with
-// the startup-notification service, a ChromiumWebControl, a
+// the startup-notification service, a web control of the engine under test
+// (CurrentEngine: each test program runs once per engine), a
 // HostControlInstance on it, a HostAPI given to the control, and a listener
-// that records the instance's changes (states included).
+// that records the instance's changes (states included). A test body is
+// written once, against IBridgedWebControl, and holds for every engine.
 //
 // SetUp builds all of it; TearDown takes it down in the order an application
 // must (listener, API, instance, control, manager) and then checks that the
-// browser left nothing behind: the browser process reaped, no running process
-// of its process group or naming its profile, and no profile directory. A test
-// may call ShutDown itself to check that earlier.
+// browser left nothing behind (Chromium: the browser process reaped, no
+// running process of its process group or naming its profile, and no profile
+// directory). A test may call ShutDown itself to check that earlier.
 //
 // Everything runs on the test's thread, which is the control's application
 // thread: the waits below deliver the control's events.
 class BrowserFixture : public ::testing::Test {
  protected:
-  using ChromiumOptions = Com::Velmora::TAVO::Wevlin::WebControls::Chromium::ChromiumOptions;
   using ChromiumWebControl = Com::Velmora::TAVO::Wevlin::WebControls::Chromium::ChromiumWebControl;
+  using IBridgedWebControl = Com::Velmora::TAVO::Wevlin::WebControls::IBridgedWebControl;
   using HostAPI = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::HostAPI;
   using HostContentState = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::HostContentState;
   using HostControlInstance =
@@ -56,9 +59,26 @@ class BrowserFixture : public ::testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  // Returns the options the control starts with; the defaults unless a test
+  // Returns what the control starts with; the defaults unless a test
   // overrides it.
-  virtual ChromiumOptions Options() const;
+  virtual ControlSettings Settings() const;
+
+  // Returns the engine under test.
+  static Engine TheEngine();
+
+  // Returns the name with which the control of the engine under test starts
+  // its log lines ("ChromiumWebControl", "WebKitGtkWebControl").
+  static std::string ControlName();
+
+  // Returns `chromium` or `webkitgtk`, as the engine under test: for the
+  // texts that each engine words its own way (a script's error messages).
+  static std::string ByEngine(const std::string& chromium, const std::string& webkitgtk);
+
+  // Kills the process that runs the page, as a crash would.
+  void CrashPage();
+
+  // Returns the control as a ChromiumWebControl, or null on other engines.
+  ChromiumWebControl* Chromium() const;
 
   // Registers `service` with the host manager (which owns it from now on).
   void RegisterService(IHostServiceDescriptor* service);
@@ -90,12 +110,14 @@ class BrowserFixture : public ::testing::Test {
   // nothing behind. Does nothing the second time.
   void ShutDown();
 
-  std::unique_ptr<ChromiumWebControl> control_;
+  // The control of the engine under test, owned by engine_.
+  IBridgedWebControl* control_ = nullptr;
   std::unique_ptr<HostControlInstance> instance_;
   std::unique_ptr<HostAPI> api_;
   std::unique_ptr<wevlin_test::RecordingPropertyListener> listener_;
 
  private:
+  std::unique_ptr<EngineControl> engine_;
   HostManager* previousManager_ = nullptr;
   bool managerInstalled_ = false;
   std::vector<IHostServiceDescriptor*> services_;

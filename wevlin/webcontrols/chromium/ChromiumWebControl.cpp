@@ -21,8 +21,8 @@
 #include "wevlin/webcontrols/chromium/internal/EvaluateReply.h"
 #include "wevlin/webcontrols/chromium/internal/EventQueue.h"
 #include "wevlin/webcontrols/chromium/internal/PageEvent.h"
-#include "wevlin/webcontrols/chromium/internal/Utf8Text.h"
 #include "wevlin/webcontrols/internal/PageBridge.h"
+#include "wevlin/webcontrols/internal/Utf8Text.h"
 
 namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium {
 
@@ -654,12 +654,14 @@ void ChromiumWebControl::Impl::ServeHostCall(PageEvent& event) {
 
 void ChromiumWebControl::Impl::Reply(std::int64_t contextId, PageBridge::Answer answer) {
   try {
-    // The parameters are written once, with the answer's encoding in place,
-    // and sent as they are.
-    connection_->PostRawParams(
-        "Runtime.evaluate",
-        PageBridge::ReplyEvaluateParams(kReplyFunction, std::move(answer), contextId), sessionId_,
-        options_.commandTimeout);
+    // The answer is encoded piece by piece straight into the pipe: a big
+    // answer is never held a second time.
+    connection_->PostStreamedParams(
+        "Runtime.evaluate", PageBridge::ReplyEvaluateParamsSize(kReplyFunction, answer, contextId),
+        [&](const std::function<void(std::string_view)>& put) {
+          PageBridge::WriteReplyEvaluateParams(kReplyFunction, answer, contextId, put);
+        },
+        sessionId_, options_.commandTimeout);
   } catch (const ChromiumError&) {
     // The browser or the page is gone: nobody waits for the answer any more.
   }
@@ -671,7 +673,7 @@ bool ChromiumWebControl::Impl::PageCrashed() {
 }
 
 void ChromiumWebControl::Impl::Navigate(const std::string& target) {
-  const std::string url = internal::ToValidUtf8(target);
+  const std::string url = WebControls::internal::ToValidUtf8(target);
   // The documents of the new address get the bridge before it loads.
   {
     std::lock_guard<std::mutex> lock(pageMutex_);
@@ -753,7 +755,7 @@ std::string ChromiumWebControl::Impl::ExecuteScript(const std::string& script) {
       throw ScriptException(refusal, "The script was not run in " + top.url + ".");
     }
   }
-  const std::string source = internal::ToValidUtf8(script);
+  const std::string source = WebControls::internal::ToValidUtf8(script);
   Json params = {{"expression", source},
                  {"objectGroup", kObjectGroup},
                  {"returnByValue", true},

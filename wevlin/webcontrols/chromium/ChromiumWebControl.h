@@ -11,6 +11,7 @@
 #include "wevlin/infrastructure/interop/HostAPI.h"
 #include "wevlin/infrastructure/interop/IWebControl.h"
 #include "wevlin/webcontrols/BridgePolicy.h"
+#include "wevlin/webcontrols/IBridgedWebControl.h"
 #include "wevlin/webcontrols/PageCaller.h"
 #include "wevlin/webcontrols/chromium/ChromiumError.h"
 #include "wevlin/webcontrols/chromium/ChromiumOptions.h"
@@ -82,7 +83,7 @@ namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium {
 // ExecuteScript and SaveScreenshot fail at once with "The page's renderer
 // process crashed" until the next Navigate loads a page again. No operation
 // waits longer than its time limit, and the destructor always finishes.
-class WEVLIN_CHROMIUM_EXPORT ChromiumWebControl : public Infrastructure::Interop::IWebControl {
+class WEVLIN_CHROMIUM_EXPORT ChromiumWebControl : public WebControls::IBridgedWebControl {
  public:
   // Starts a browser with default options. See the other constructor.
   ChromiumWebControl();
@@ -101,7 +102,7 @@ class WEVLIN_CHROMIUM_EXPORT ChromiumWebControl : public Infrastructure::Interop
   // and removes its profile. Events still queued are dropped.
   ~ChromiumWebControl() override;
 
-  // IWebControl
+  // IWebControl and IBridgedWebControl
 
   // Starts loading `target` (a URL) in the page and returns at once. The end
   // of the load is reported to the load observers by a later PumpEvents. A
@@ -152,41 +153,41 @@ class WEVLIN_CHROMIUM_EXPORT ChromiumWebControl : public Infrastructure::Interop
 
   // Sets the HostAPI that serves the page's calls (null: none, and the
   // page's calls are rejected). Not owned; it must outlive its use here.
-  void SetHostAPI(Infrastructure::Interop::HostAPI* hostApi);
+  void SetHostAPI(Infrastructure::Interop::HostAPI* hostApi) override;
 
   // Returns the HostAPI set with SetHostAPI, or null.
-  Infrastructure::Interop::HostAPI* GetHostAPI() const;
+  Infrastructure::Interop::HostAPI* GetHostAPI() const override;
 
   // Replaces the bridge policy. Documents loaded from now on get the bridge
   // as it says, and every later call and script is checked against it.
-  void SetBridgePolicy(WebControls::BridgePolicy policy);
+  void SetBridgePolicy(WebControls::BridgePolicy policy) override;
 
   // Returns the bridge policy.
-  const WebControls::BridgePolicy& GetBridgePolicy() const;
+  const WebControls::BridgePolicy& GetBridgePolicy() const override;
 
   // Returns the document that made the page's call being served, while a
   // HostAPI operation runs for it on the application's thread (inside a host
   // service, say); null otherwise. Valid until that operation returns.
-  const WebControls::PageCaller* CurrentCaller() const;
+  const WebControls::PageCaller* CurrentCaller() const override;
 
   // Delivers the events queued so far (finished loads, calls of the page),
   // oldest first, and returns how many were taken. A call of the page is
   // answered when its HostAPI operation returns. Inside a delivery (from a
   // load observer or a host service) it delivers nothing and returns 0.
-  std::size_t PumpEvents();
+  std::size_t PumpEvents() override;
 
   // Delivers events until `condition` returns true or `timeout` passes, and
   // returns the condition's last value. The condition is checked first, after
   // each batch of events, and at least every 10 ms. Returns early, with the
   // condition's value, once the browser has gone and no event remains.
-  bool RunUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout);
+  bool RunUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout) override;
 
   // Writes a PNG picture of the page's viewport to the file `path`. Throws
   // ChromiumError when the browser fails or the file cannot be written.
-  void SaveScreenshot(const std::string& path);
+  void SaveScreenshot(const std::string& path) override;
 
   // Returns true while the browser's DevTools connection is open.
-  bool IsBrowserRunning() const;
+  bool IsBrowserRunning() const override;
 
   // Returns the browser's process id, which is also its process group id.
   std::int64_t BrowserProcessId() const;

@@ -11,6 +11,7 @@
 #include "wevlin/infrastructure/interop/IWebControl.h"
 #include "wevlin/infrastructure/interop/JsonSerializationHelper.h"
 #include "wevlin/webcontrols/internal/BridgeShimScript.h"
+#include "wevlin/webcontrols/internal/CallReader.h"
 
 namespace Com::Velmora::TAVO::Wevlin::WebControls::internal {
 
@@ -118,25 +119,9 @@ std::string PageBridge::ScriptRefusal(const PageCaller& top) const {
 }
 
 bool PageBridge::ReadCall(std::string message, Call& call) {
-  Json json = Json::parse(message, nullptr, false);
+  const bool read = CallReader::Read(message, call.id, call.function, call.args);
   std::string().swap(message);
-  if (json.is_discarded() || !json.is_object()) return false;
-  const auto id = json.find("id");
-  if (id == json.end() || !id->is_number_integer()) return false;
-  call.id = id->get<std::int64_t>();
-  const auto function = json.find("fn");
-  call.function = function != json.end() && function->is_string() ? function->get<std::string>()
-                                                                  : std::string();
-  call.args.clear();
-  const auto args = json.find("args");
-  if (args != json.end() && args->is_array()) {
-    call.args.reserve(args->size());
-    for (Json& arg : *args) {
-      // Moved out of the parsed message: a big payload is not copied again.
-      call.args.push_back(arg.is_string() ? std::move(arg.get_ref<std::string&>()) : std::string());
-    }
-  }
-  return true;
+  return read;
 }
 
 void PageBridge::Log(const std::string& text) const { WriteLogLine(controlName_ + ": " + text); }
@@ -219,23 +204,62 @@ std::string PageBridge::ReplyExpression(const std::string& replyFunction, const 
   return expression;
 }
 
+namespace {
+
+// The parts of a reply's Runtime.evaluate parameters around the answer's
+// Base64 encoding (which needs no escape inside a JSON string).
+struct ReplyParamsFrame {
+  std::string head;
+  std::string tail;
+};
+
+ReplyParamsFrame FrameReplyParams(const std::string& replyFunction,
+                                  const PageBridge::Answer& answer, std::int64_t contextId) {
+  ReplyParamsFrame frame;
+  frame.head = R"({"expression":"globalThis.)" + replyFunction + "(" + std::to_string(answer.id) +
+               (answer.ok ? R"(, true, \")" : R"(, false, \")");
+  frame.tail = R"x(\")")x";
+  if (contextId != 0) frame.tail += R"(,"contextId":)" + std::to_string(contextId);
+  frame.tail += "}";
+  return frame;
+}
+
+std::size_t EncodedSize(std::size_t bytes) { return (bytes + 2) / 3 * 4; }
+
+}  // namespace
+
 std::string PageBridge::ReplyEvaluateParams(const std::string& replyFunction, Answer answer,
                                             std::int64_t contextId) {
-  std::string head = R"({"expression":"globalThis.)" + replyFunction + "(" +
-                     std::to_string(answer.id) + (answer.ok ? R"(, true, \")" : R"(, false, \")");
-  std::string tail = R"x(\")")x";
-  if (contextId != 0) tail += R"(,"contextId":)" + std::to_string(contextId);
-  tail += "}";
-  // Base64 needs no escape inside a JSON string: the encoding goes into its
-  // place in the one text that is sent, which is reserved whole first.
-  const std::size_t encodedSize = (answer.text.size() + 2) / 3 * 4;
   std::string params;
-  params.reserve(head.size() + encodedSize + tail.size());
-  Infrastructure::Interop::Base64::EncodeString(answer.text, params);
-  std::string().swap(answer.text);
-  params.insert(0, head);
-  params += tail;
+  params.reserve(ReplyEvaluateParamsSize(replyFunction, answer, contextId));
+  WriteReplyEvaluateParams(replyFunction, answer, contextId,
+                           [&params](std::string_view piece) { params.append(piece); });
   return params;
+}
+
+std::size_t PageBridge::WriteReplyEvaluateParams(const std::string& replyFunction,
+                                                 const Answer& answer, std::int64_t contextId,
+                                                 const std::function<void(std::string_view)>& put) {
+  const ReplyParamsFrame frame = FrameReplyParams(replyFunction, answer, contextId);
+  put(frame.head);
+  // Pieces of a multiple of 3 bytes encode to exactly the pieces of the
+  // whole text's encoding.
+  constexpr std::size_t kPieceBytes = std::size_t{3} * 16 * 1024;
+  std::string piece;
+  std::string encoded;
+  for (std::size_t at = 0; at < answer.text.size(); at += kPieceBytes) {
+    piece.assign(answer.text, at, kPieceBytes);
+    Infrastructure::Interop::Base64::EncodeString(piece, encoded);
+    put(encoded);
+  }
+  put(frame.tail);
+  return frame.head.size() + EncodedSize(answer.text.size()) + frame.tail.size();
+}
+
+std::size_t PageBridge::ReplyEvaluateParamsSize(const std::string& replyFunction,
+                                                const Answer& answer, std::int64_t contextId) {
+  const ReplyParamsFrame frame = FrameReplyParams(replyFunction, answer, contextId);
+  return frame.head.size() + EncodedSize(answer.text.size()) + frame.tail.size();
 }
 
 std::string PageBridge::ShimSource(const std::string& transportExpression) const {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -104,6 +105,17 @@ class PageBridge {
   // its encoding are held at once.
   static std::string ReplyEvaluateParams(const std::string& replyFunction, Answer answer,
                                          std::int64_t contextId);
+
+  // Writes the text ReplyEvaluateParams returns to `put`, piece by piece,
+  // encoding the answer as it goes, so that no second copy of a big answer
+  // is ever held. Returns the number of bytes written.
+  static std::size_t WriteReplyEvaluateParams(const std::string& replyFunction,
+                                              const Answer& answer, std::int64_t contextId,
+                                              const std::function<void(std::string_view)>& put);
+
+  // Returns the number of bytes WriteReplyEvaluateParams writes.
+  static std::size_t ReplyEvaluateParamsSize(const std::string& replyFunction, const Answer& answer,
+                                             std::int64_t contextId);
 
   // Returns the script that installs the page half of the bridge in a new
   // document: bridge-shim.js called with the control's transport (the

@@ -7,11 +7,14 @@
 #include <vector>
 
 #include "wevlin/infrastructure/base/internal/Log.h"
-#include "wevlin/webcontrols/chromium/internal/Utf8Text.h"
+#include "wevlin/webcontrols/internal/Utf8Text.h"
 
 namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal {
 
 namespace {
+
+using WebControls::internal::IsValidUtf8;
+using WebControls::internal::ToValidUtf8;
 
 // How long the reader waits, once the pipe has ended, for the browser process
 // to end too, so that the error can tell how it ended. A killed browser with
@@ -100,6 +103,11 @@ bool ReadHead(std::string_view text, MessageHead* head) {
 // the right size. Lone surrogate escapes (which a page's strings can hold)
 // and bytes that are not UTF-8 become U+FFFD; numbers are left to nlohmann so that they read the
 // same.
+// Tells the text under `at` that the reader will not go back before `at`, so
+// that storage behind it may be given back. Plain text keeps it all.
+template <typename Iterator>
+void ReleaseBehind(const Iterator& /*at*/) {}
+
 template <typename Iterator>
 class MessageReader {
  public:
@@ -272,7 +280,14 @@ class MessageReader {
     }
     out->clear();
     out->reserve(length);
+    std::size_t sinceRelease = 0;
     while (*at_ != '"') {
+      // A big string's text is given back as it is decoded, so that the
+      // message and the string are not held whole at once.
+      if (++sinceRelease == kReleaseEvery) {
+        sinceRelease = 0;
+        ReleaseBehind(at_);
+      }
       const char c = *at_;
       ++at_;
       if (c != '\\') {
@@ -343,6 +358,7 @@ class MessageReader {
   Iterator at_;
   Iterator last_;
   bool afterComma_ = false;  // a comma was read, a value must follow
+  static constexpr std::size_t kReleaseEvery = std::size_t{1} << 18;
 };
 
 // Returns the message in the text from `first` to `last`, or a discarded
@@ -398,6 +414,7 @@ std::string NotAnsweringText(const std::string& method, std::chrono::millisecond
 class DevToolsConnection::BlockText {
  public:
   static constexpr std::size_t kBlock = std::size_t{1} << 20;
+  static constexpr std::size_t kLargestBlock = std::size_t{64} << 20;
 
   // Reads the text a character after the other, for the parser.
   class Iterator {
@@ -408,8 +425,15 @@ class DevToolsConnection::BlockText {
     using pointer = const char*;
     using reference = const char&;
 
-    Iterator(const std::vector<std::string>* blocks, std::size_t block)
+    Iterator(std::vector<std::string>* blocks, std::size_t block)
         : blocks_(blocks), block_(block) {}
+
+    // Frees the blocks before the one `at` is in: the reader never goes back.
+    friend void ReleaseBehind(const Iterator& at) {
+      for (std::size_t i = at.block_; i > 0 && !(*at.blocks_)[i - 1].empty(); --i) {
+        std::string().swap((*at.blocks_)[i - 1]);
+      }
+    }
     reference operator*() const { return (*blocks_)[block_][at_]; }
     Iterator& operator++() {
       if (++at_ == (*blocks_)[block_].size()) {
@@ -424,19 +448,24 @@ class DevToolsConnection::BlockText {
     bool operator!=(const Iterator& other) const { return !(*this == other); }
 
    private:
-    const std::vector<std::string>* blocks_;
+    std::vector<std::string>* blocks_;
     std::size_t block_;
     std::size_t at_ = 0;
   };
 
   void Append(std::string_view text) {
     while (!text.empty()) {
-      if (blocks_.empty() || blocks_.back().size() == kBlock) {
+      if (blocks_.empty() || blocks_.back().size() == blocks_.back().capacity()) {
+        // Each block is twice the last: a big message takes few blocks, and
+        // each is bigger than any the allocator has seen freed, so that it
+        // gets memory of its own that goes back to the system once released.
+        const std::size_t size =
+            blocks_.empty() ? kBlock : std::min(blocks_.back().capacity() * 2, kLargestBlock);
         blocks_.emplace_back();
-        blocks_.back().reserve(kBlock);
+        blocks_.back().reserve(size);
       }
       std::string& block = blocks_.back();
-      const std::size_t room = kBlock - block.size();
+      const std::size_t room = block.capacity() - block.size();
       block.append(text.substr(0, room));
       text.remove_prefix(std::min(room, text.size()));
     }
@@ -450,8 +479,8 @@ class DevToolsConnection::BlockText {
     return std::string_view(blocks_.front()).substr(0, count);
   }
 
-  Iterator begin() const { return {&blocks_, 0}; }
-  Iterator end() const { return {&blocks_, blocks_.size()}; }
+  Iterator begin() { return {&blocks_, 0}; }
+  Iterator end() { return {&blocks_, blocks_.size()}; }
 
   // Gives the storage back.
   void Release() { std::vector<std::string>().swap(blocks_); }
@@ -626,6 +655,23 @@ int DevToolsConnection::Send(const std::string& method, Json params, const std::
 void DevToolsConnection::PostRawParams(const std::string& method, std::string paramsJson,
                                        const std::string& sessionId,
                                        std::chrono::milliseconds timeout) {
+  PostParams(
+      method, paramsJson.size(), [&paramsJson](const TextSink& put) { put(paramsJson); }, sessionId,
+      timeout, std::string_view(paramsJson).substr(0, kTraceLength));
+}
+
+void DevToolsConnection::PostStreamedParams(const std::string& method, std::size_t paramsBytes,
+                                            const std::function<void(const TextSink&)>& writeParams,
+                                            const std::string& sessionId,
+                                            std::chrono::milliseconds timeout) {
+  PostParams(method, paramsBytes, writeParams, sessionId, timeout,
+             "(" + std::to_string(paramsBytes) + " bytes written piece by piece)");
+}
+
+void DevToolsConnection::PostParams(const std::string& method, std::size_t paramsBytes,
+                                    const std::function<void(const TextSink&)>& writeParams,
+                                    const std::string& sessionId, std::chrono::milliseconds timeout,
+                                    std::string_view tracedParams) {
   std::string tail = ",\"method\":";
   AppendJsonString(&tail, method);
   if (!sessionId.empty()) {
@@ -635,12 +681,12 @@ void DevToolsConnection::PostRawParams(const std::string& method, std::string pa
   tail += ",\"params\":";
   const int id = Register(nullptr, ReplyHandler());
   const std::string head = "{\"id\":" + std::to_string(id);
-  CheckOutgoing(id, method, head.size() + tail.size() + paramsJson.size() + 2);
-  if (trace_) Trace(">>", head + tail + paramsJson.substr(0, kTraceLength) + "}");
+  CheckOutgoing(id, method, head.size() + tail.size() + paramsBytes + 2);
+  if (trace_) Trace(">>", head + tail + std::string(tracedParams) + "}");
   WriteCommand(id, method, timeout, [&](const TextSink& put) {
     put(head);
     put(tail);
-    put(paramsJson);
+    writeParams(put);
     put(std::string_view("}\0", 2));
   });
 }

@@ -103,6 +103,17 @@ class DevToolsConnection {
                      const std::string& sessionId,
                      std::chrono::milliseconds timeout = std::chrono::milliseconds(30000));
 
+  // Sends `method` with a params object of `paramsBytes` bytes that
+  // `writeParams` writes to the pipe piece by piece, without waiting for the
+  // answer: a big params object never has to be held whole. REQUIRES: the
+  // pieces make one JSON object in valid UTF-8 of exactly `paramsBytes`
+  // bytes. Throws like PostRawParams.
+  void PostStreamedParams(
+      const std::string& method, std::size_t paramsBytes,
+      const std::function<void(const std::function<void(std::string_view)>&)>& writeParams,
+      const std::string& sessionId,
+      std::chrono::milliseconds timeout = std::chrono::milliseconds(30000));
+
   // Sets the largest message of the browser that is read (the NUL not
   // counted) and the largest command that is written (with its NUL; never
   // more than kMaxPipeMessageBytes). A call whose answer is bigger fails with
@@ -144,6 +155,12 @@ class DevToolsConnection {
   void CheckOutgoing(int id, const std::string& method, std::size_t size);
   // Receives one piece of a command's text.
   using TextSink = std::function<void(std::string_view piece)>;
+  // Writes a command whose params `writeParams` writes; the trace shows
+  // `tracedParams` in their place.
+  void PostParams(const std::string& method, std::size_t paramsBytes,
+                  const std::function<void(const TextSink&)>& writeParams,
+                  const std::string& sessionId, std::chrono::milliseconds timeout,
+                  std::string_view tracedParams);
   void WriteCommand(int id, const std::string& method, std::chrono::milliseconds timeout,
                     const std::function<void(const TextSink&)>& produce);
   void ReadLoop();

@@ -1,8 +1,8 @@
-#include "wevlin/webcontrols/chromium/internal/Utf8Text.h"
+#include "wevlin/webcontrols/internal/Utf8Text.h"
 
 #include <cstddef>
 
-namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal {
+namespace Com::Velmora::TAVO::Wevlin::WebControls::internal {
 
 namespace {
 
@@ -127,4 +127,4 @@ std::string RepairSurrogateEscapes(std::string_view json) {
   return out;
 }
 
-}  // namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal
+}  // namespace Com::Velmora::TAVO::Wevlin::WebControls::internal

@@ -1,10 +1,10 @@
-#ifndef WEVLIN_WEBCONTROLS_CHROMIUM_INTERNAL_UTF8TEXT_H_
-#define WEVLIN_WEBCONTROLS_CHROMIUM_INTERNAL_UTF8TEXT_H_
+#ifndef WEVLIN_WEBCONTROLS_INTERNAL_UTF8TEXT_H_
+#define WEVLIN_WEBCONTROLS_INTERNAL_UTF8TEXT_H_
 
 #include <string>
 #include <string_view>
 
-namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal {
+namespace Com::Velmora::TAVO::Wevlin::WebControls::internal {
 
 // Returns `text` with every ill-formed UTF-8 sequence replaced by U+FFFD
 // (EF BF BD), one replacement per maximal subpart, the way a browser's UTF-8
@@ -23,6 +23,6 @@ bool IsValidUtf8(std::string_view text);
 // Escaped backslashes are honoured; everything else is copied unchanged.
 std::string RepairSurrogateEscapes(std::string_view json);
 
-}  // namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal
+}  // namespace Com::Velmora::TAVO::Wevlin::WebControls::internal
 
-#endif  // WEVLIN_WEBCONTROLS_CHROMIUM_INTERNAL_UTF8TEXT_H_
+#endif  // WEVLIN_WEBCONTROLS_INTERNAL_UTF8TEXT_H_

@@ -1,4 +1,4 @@
-#include "wevlin/webcontrols/chromium/internal/Utf8Text.h"
+#include "wevlin/webcontrols/internal/Utf8Text.h"
 
 #include <gtest/gtest.h>
 
@@ -6,9 +6,9 @@
 
 namespace {
 
-using Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal::IsValidUtf8;
-using Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal::RepairSurrogateEscapes;
-using Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal::ToValidUtf8;
+using Com::Velmora::TAVO::Wevlin::WebControls::internal::IsValidUtf8;
+using Com::Velmora::TAVO::Wevlin::WebControls::internal::RepairSurrogateEscapes;
+using Com::Velmora::TAVO::Wevlin::WebControls::internal::ToValidUtf8;
 
 const std::string kFffd = "\xEF\xBF\xBD";
 
