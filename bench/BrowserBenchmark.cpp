@@ -1,42 +1,56 @@
-// Calls between a page and the host through a real headless browser (the
-// Chromium web control), on the one DevTools pipe:
+// Calls between a page and the host through a real browser, on each web
+// control of the build: the headless Chromium control (engine "chromium")
+// and the WebKitGTK control in an offscreen window (engine "webkitgtk").
+// Every benchmark has one body, written against IBridgedWebControl, and runs
+// once per engine:
 //
-//   Browser/Evaluate                    a bare Runtime.evaluate round trip
-//                                       (ExecuteScript("1")), the floor for
-//                                       anything that crosses the pipe
-//   Browser/HostToPage/<bytes>          HostControlInstance::InvokeWebMethod
-//                                       of the page's echo service
-//   Browser/PageToHost/<path>/<bytes>   the page calls the host's echo
-//                                       service, one call after another,
-//                                       through the control's bridge
-//                                       (wevlinHost.tavoHostMethod) or
-//                                       through wevlin.js (page.invokeMethod)
+//   Browser/<engine>/Evaluate                    a bare script round trip
+//                                                (ExecuteScript("1")), the
+//                                                floor for anything that
+//                                                crosses from the host into
+//                                                the page and back
+//   Browser/<engine>/HostToPage/<bytes>          HostControlInstance::
+//                                                InvokeWebMethod of the
+//                                                page's echo service
+//   Browser/<engine>/PageToHost/<path>/<bytes>   the page calls the host's
+//                                                echo service, one call after
+//                                                another, through the
+//                                                control's bridge
+//                                                (wevlinHost.tavoHostMethod)
+//                                                or through wevlin.js
+//                                                (page.invokeMethod)
 //
 // Payloads of 100 bytes and 100 KiB. Counters: p50_us and p99_us per call;
 // items_per_second is calls per second. Host-to-page and evaluate times are
 // taken on the host around each call; page-to-host times by the page
 // (performance.now) around each call, each iteration being one batch of calls
 // whose total is the iteration's (manual) time. The page's clock has coarse
-// steps in a browser that is not cross-origin isolated (100 us in Chromium),
-// reported as page_clock_us: page-side percentiles are good to one step, the
-// mean (the iteration time over the calls) is exact.
+// steps in a browser that is not cross-origin isolated, reported as
+// page_clock_us: page-side percentiles are good to one step, the mean (the
+// iteration time over the calls) is exact.
 //
-// The browser starts once for the whole program. Without a browser (Debian
-// package chromium not installed) every benchmark is skipped with the
-// reason. WEVLIN_BENCH_SMOKE=1 makes the page's batches small, for a quick
-// check that the benchmarks still run.
+// Each engine's browser starts when its first benchmark runs and stays up
+// until every benchmark has run. An engine that cannot start (Debian package
+// chromium not installed, no WebKitGTK control in the build, no display for
+// it) has its benchmarks skipped with the reason. WEVLIN_BENCH_SMOKE=1 makes
+// the page's batches small, for a quick check that the benchmarks still run.
+// The program runs on its main thread, which is GTK's main thread too.
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <memory>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "support/BenchEngine.h"
 #include "support/EchoService.h"
 #include "wevlin/infrastructure/base/LogSink.h"
 #include "wevlin/infrastructure/interop/BaseServiceDescriptor.h"
@@ -44,7 +58,7 @@
 #include "wevlin/infrastructure/interop/HostControlInstance.h"
 #include "wevlin/infrastructure/interop/HostManager.h"
 #include "wevlin/infrastructure/interop/TargetConfig.h"
-#include "wevlin/webcontrols/chromium/ChromiumWebControl.h"
+#include "wevlin/webcontrols/IBridgedWebControl.h"
 
 #ifndef WEVLIN_BENCH_PAGES_DIR
 #define WEVLIN_BENCH_PAGES_DIR "bench/pages"
@@ -53,96 +67,128 @@
 namespace {
 
 namespace interop = Com::Velmora::TAVO::Wevlin::Infrastructure::Interop;
-using Com::Velmora::TAVO::Wevlin::WebControls::Chromium::ChromiumWebControl;
+using Com::Velmora::TAVO::Wevlin::WebControls::IBridgedWebControl;
+using wevlin_bench::BenchEngine;
 using wevlin_bench::EchoService;
+using wevlin_bench::Engine;
+using wevlin_bench::EngineName;
 
 constexpr std::chrono::milliseconds kWait{60000};
+constexpr std::array<Engine, 2> kEngines{Engine::Chromium, Engine::WebKitGtk};
 
 bool Smoke() {
   const char* smoke = std::getenv("WEVLIN_BENCH_SMOKE");
   return smoke != nullptr && std::string(smoke) == "1";
 }
 
-// The browser with the benchmark page, logged in and ready, for the whole
-// program; or the reason why there is none.
+// Returns the host's echo service, registered with the host manager (which
+// owns it) on first use. Every engine's page calls this one service.
+const EchoService& HostEcho() {
+  static EchoService* const echo = [] {
+    auto* service =
+        new EchoService("tavo.wevlin.infrastructure.services.bench.Echo.host", "_2014_07");
+    interop::HostManager::TheInstance()->RegisterService(service);
+    return service;
+  }();
+  return *echo;
+}
+
+// The benchmark page in one engine's control, logged in and ready; or the
+// reason why there is none. One per engine, made by Of on first use and
+// destroyed by CloseAll. Owns the engine (control and window), the host
+// control instance and its API.
+// REQUIRES: the program's main thread.
 class Browser {
  public:
-  static Browser& Shared() {
-    static Browser browser;
-    return browser;
+  Browser(const Browser&) = delete;
+  Browser& operator=(const Browser&) = delete;
+
+  // Returns the browser of `engine`, starting it on first use.
+  static Browser& Of(Engine engine) {
+    std::unique_ptr<Browser>& browser = Slots()[static_cast<std::size_t>(engine)];
+    if (!browser) browser.reset(new Browser(engine));
+    return *browser;
+  }
+
+  // Closes every browser started, in the order they were made.
+  static void CloseAll() {
+    for (std::unique_ptr<Browser>& browser : Slots()) browser.reset();
+  }
+
+  ~Browser() {
+    // API, instance, control: the order an application must use.
+    if (engine_) engine_->Control().SetHostAPI(nullptr);
+    api_.reset();
+    instance_.reset();
+    engine_.reset();
   }
 
   const std::string& Error() const { return error_; }
-  ChromiumWebControl& Control() { return *control_; }
+  IBridgedWebControl& Control() { return engine_->Control(); }
   interop::HostControlInstance& Instance() { return *instance_; }
   interop::BaseServiceDescriptor& PageEcho() { return pageEcho_; }
-  // The host's echo service (owned by the host manager).
-  const EchoService& HostEcho() const { return *hostEcho_; }
-  // The smallest step of the page's clock (performance.now), in microseconds.
+  // Returns the smallest step of the page's clock (performance.now), in
+  // microseconds.
   double PageClockStepUs() const { return pageClockStepUs_; }
 
   // Runs `script` and returns its value; an IWebControl::ScriptException
   // becomes a std::runtime_error.
   std::string Eval(const std::string& script) {
     try {
-      return control_->ExecuteScript(script);
+      return Control().ExecuteScript(script);
     } catch (const interop::IWebControl::ScriptException& e) {
       throw std::runtime_error("script failed: " + e.message + " " + e.details);
     }
   }
 
  private:
-  Browser()
+  static std::array<std::unique_ptr<Browser>, kEngines.size()>& Slots() {
+    static std::array<std::unique_ptr<Browser>, kEngines.size()> slots;
+    return slots;
+  }
+
+  explicit Browser(Engine engine)
       : pageEcho_("bench.browser.Echo.client", "_2014_07"),
         target_("bench", "Benchmark page",
                 std::string("file://") + WEVLIN_BENCH_PAGES_DIR + "/bench.html") {
     try {
-      Start();
+      Start(engine);
     } catch (const std::exception& e) {
-      error_ = std::string("no browser benchmark: ") + e.what();
+      error_ = std::string("no ") + EngineName(engine) + " browser benchmark: " + e.what();
     }
   }
 
-  ~Browser() {
-    // API, instance, control: the order an application must use.
-    if (control_) control_->SetHostAPI(nullptr);
-    api_.reset();
-    instance_.reset();
-    control_.reset();
-  }
-
-  void Start() {
+  void Start(Engine engine) {
     Com::Velmora::TAVO::Wevlin::Infrastructure::Base::SetLogSink([](const std::string&) {});
-    hostEcho_ = new EchoService("tavo.wevlin.infrastructure.services.bench.Echo.host", "_2014_07");
-    interop::HostManager::TheInstance()->RegisterService(hostEcho_);
-    control_ = std::make_unique<ChromiumWebControl>();
-    instance_ = std::make_unique<interop::HostControlInstance>(control_.get());
+    HostEcho();
+    engine_ = wevlin_bench::StartBenchEngine(engine);
+    instance_ = std::make_unique<interop::HostControlInstance>(&Control());
     api_ = std::make_unique<interop::HostAPI>(instance_.get());
-    control_->SetHostAPI(api_.get());
+    Control().SetHostAPI(api_.get());
     instance_->LaunchToTarget(&target_);
-    if (!control_->RunUntil([&] { return instance_->GetContentState() == interop::LoadedCanTalk; },
+    if (!Control().RunUntil([&] { return instance_->GetContentState() == interop::LoadedCanTalk; },
                             kWait)) {
       throw std::runtime_error(
           "the benchmark page did not finish its handshake (state " +
           interop::HostControlInstance::NameOfState(instance_->GetContentState()) + ")");
     }
-    if (!control_->RunUntil([&] { return Eval("bench.ready()") == "true"; }, kWait)) {
+    if (!Control().RunUntil([&] { return Eval("bench.ready()") == "true"; }, kWait)) {
       throw std::runtime_error("the benchmark page did not become ready");
     }
     pageClockStepUs_ = std::stod(Eval("bench.clock()")) * 1000.0;
   }
 
   std::string error_;
-  EchoService* hostEcho_ = nullptr;
   double pageClockStepUs_ = 0;
   interop::BaseServiceDescriptor pageEcho_;
   interop::TargetConfig target_;
-  std::unique_ptr<ChromiumWebControl> control_;
+  std::unique_ptr<BenchEngine> engine_;
   std::unique_ptr<interop::HostControlInstance> instance_;
   std::unique_ptr<interop::HostAPI> api_;
 };
 
 // Per-call times in seconds, summarised into the benchmark's counters.
+// REQUIRES: one thread.
 class Latencies {
  public:
   void Add(double seconds) { samples_.push_back(seconds); }
@@ -168,16 +214,24 @@ double Since(std::chrono::steady_clock::time_point start) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-void Evaluate(benchmark::State& state) {
-  Browser& browser = Browser::Shared();
+// Returns the browser of `engine`, or null after skipping the benchmark with
+// the reason why there is none.
+Browser* Ready(benchmark::State& state, Engine engine) {
+  Browser& browser = Browser::Of(engine);
   if (!browser.Error().empty()) {
     state.SkipWithError(browser.Error().c_str());
-    return;
+    return nullptr;
   }
+  return &browser;
+}
+
+void Evaluate(benchmark::State& state, Engine engine) {
+  Browser* browser = Ready(state, engine);
+  if (browser == nullptr) return;
   Latencies latencies;
   for (auto _ : state) {
     const auto start = std::chrono::steady_clock::now();
-    std::string value = browser.Control().ExecuteScript("1");
+    std::string value = browser->Control().ExecuteScript("1");
     latencies.Add(Since(start));
     benchmark::DoNotOptimize(value);
   }
@@ -185,21 +239,18 @@ void Evaluate(benchmark::State& state) {
   latencies.Report(state);
 }
 
-void HostToPage(benchmark::State& state) {
-  Browser& browser = Browser::Shared();
-  if (!browser.Error().empty()) {
-    state.SkipWithError(browser.Error().c_str());
-    return;
-  }
+void HostToPage(benchmark::State& state, Engine engine) {
+  Browser* browser = Ready(state, engine);
+  if (browser == nullptr) return;
   const std::string payload(static_cast<std::size_t>(state.range(0)), 'x');
-  if (browser.Instance().InvokeWebMethod(&browser.PageEcho(), payload) != payload) {
+  if (browser->Instance().InvokeWebMethod(&browser->PageEcho(), payload) != payload) {
     state.SkipWithError("the page's echo service did not answer its payload");
     return;
   }
   Latencies latencies;
   for (auto _ : state) {
     const auto start = std::chrono::steady_clock::now();
-    std::string answer = browser.Instance().InvokeWebMethod(&browser.PageEcho(), payload);
+    std::string answer = browser->Instance().InvokeWebMethod(&browser->PageEcho(), payload);
     latencies.Add(Since(start));
     benchmark::DoNotOptimize(answer);
   }
@@ -208,31 +259,29 @@ void HostToPage(benchmark::State& state) {
   latencies.Report(state);
 }
 
-void PageToHost(benchmark::State& state, const std::string& path) {
-  Browser& browser = Browser::Shared();
-  if (!browser.Error().empty()) {
-    state.SkipWithError(browser.Error().c_str());
-    return;
-  }
+void PageToHost(benchmark::State& state, Engine engine, const std::string& path) {
+  Browser* browser = Ready(state, engine);
+  if (browser == nullptr) return;
   const int size = static_cast<int>(state.range(0));
   const int batch = Smoke() ? 5 : (size > 1000 ? 100 : 500);
   Latencies latencies;
   int64_t calls = 0;
   for (auto _ : state) {
-    const long served = browser.HostEcho().Calls();
-    browser.Eval("bench.start('" + path + "', " + std::to_string(batch) + ", " +
-                 std::to_string(size) + ")");
+    const long served = HostEcho().Calls();
+    browser->Eval("bench.start('" + path + "', " + std::to_string(batch) + ", " +
+                  std::to_string(size) + ")");
     // The host serves the calls while it waits. The condition looks only at
-    // the host's side, so that waiting adds nothing to the pipe; the last
-    // answer is then on its way, and the page is asked when it has arrived.
-    const bool served_all = browser.Control().RunUntil(
-        [&] { return browser.HostEcho().Calls() >= served + batch; }, kWait);
-    if (!served_all || !browser.Control().RunUntil(
-                           [&] { return browser.Eval("bench.done()") == "true"; }, kWait)) {
+    // the host's side, so that waiting adds nothing to the page's traffic;
+    // the last answer is then on its way, and the page is asked when it has
+    // arrived.
+    const bool served_all =
+        browser->Control().RunUntil([&] { return HostEcho().Calls() >= served + batch; }, kWait);
+    if (!served_all || !browser->Control().RunUntil(
+                           [&] { return browser->Eval("bench.done()") == "true"; }, kWait)) {
       state.SkipWithError("the page's calls did not end");
       break;
     }
-    std::istringstream result(browser.Eval("bench.result()"));
+    std::istringstream result(browser->Eval("bench.result()"));
     int count = 0;
     int failures = 0;
     double totalMs = 0;
@@ -248,26 +297,40 @@ void PageToHost(benchmark::State& state, const std::string& path) {
   state.SetItemsProcessed(calls);
   state.SetBytesProcessed(calls * size);
   latencies.Report(state);
-  state.counters["page_clock_us"] = browser.PageClockStepUs();
+  state.counters["page_clock_us"] = browser->PageClockStepUs();
 }
 
 void Sizes(benchmark::internal::Benchmark* benchmark) { benchmark->Arg(100)->Arg(100 << 10); }
 
-BENCHMARK(Evaluate)->Name("Browser/Evaluate")->UseRealTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(HostToPage)
-    ->Name("Browser/HostToPage")
-    ->Apply(Sizes)
-    ->UseRealTime()
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(PageToHost, bridge, std::string("bridge"))
-    ->Name("Browser/PageToHost/bridge")
-    ->Apply(Sizes)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(PageToHost, library, std::string("library"))
-    ->Name("Browser/PageToHost/library")
-    ->Apply(Sizes)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond);
+// Registers every benchmark of `engine`, named Browser/<engine>/...
+void RegisterEngine(Engine engine) {
+  const std::string prefix = std::string("Browser/") + EngineName(engine) + "/";
+  benchmark::RegisterBenchmark((prefix + "Evaluate").c_str(), Evaluate, engine)
+      ->UseRealTime()
+      ->Unit(benchmark::kMicrosecond);
+  benchmark::RegisterBenchmark((prefix + "HostToPage").c_str(), HostToPage, engine)
+      ->Apply(Sizes)
+      ->UseRealTime()
+      ->Unit(benchmark::kMicrosecond);
+  for (const char* path : {"bridge", "library"}) {
+    benchmark::RegisterBenchmark((prefix + "PageToHost/" + path).c_str(), PageToHost, engine,
+                                 std::string(path))
+        ->Apply(Sizes)
+        ->UseManualTime()
+        ->Unit(benchmark::kMillisecond);
+  }
+}
 
 }  // namespace
+
+int main(int argc, char** argv) {
+  for (Engine engine : kEngines) RegisterEngine(engine);
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  // The browsers close before the program's statics go (the host manager
+  // among them), while GTK can still finish what closing starts.
+  Browser::CloseAll();
+  benchmark::Shutdown();
+  return 0;
+}

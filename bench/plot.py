@@ -238,57 +238,151 @@ def scale_table(results):
     ]
 
 
-def browser_rows(results):
-    """(label, mean seconds, p50 us, p99 us, calls per second) of each browser benchmark."""
-    rows = []
-    entries = [("Browser/Evaluate", "bare Runtime.evaluate round trip (ExecuteScript(\"1\"))", 0)]
+ENGINES = ["chromium", "webkitgtk"]
+
+
+def browser_entries():
+    """(benchmark name below Browser/<engine>/, label) of each browser benchmark, in table order."""
+    entries = [("Evaluate", "bare script round trip (ExecuteScript(\"1\"))")]
     for size, size_label in ((100, "100 B"), (100 << 10, "100 KiB")):
-        entries.append((f"Browser/HostToPage/{size}", f"host to page, InvokeWebMethod, {size_label}", size))
-        entries.append(
-            (f"Browser/PageToHost/bridge/{size}", f"page to host, wevlinHost bridge, {size_label}", size)
-        )
-        entries.append(
-            (f"Browser/PageToHost/library/{size}", f"page to host, wevlin.js invokeMethod, {size_label}", size)
-        )
-    for name, label, _ in entries:
-        if not results.has(name):
-            continue
-        calls_per_second = results.median(name, "items_per_second")
-        mean = None if not calls_per_second else 1.0 / calls_per_second
-        rows.append(
-            (name, label, mean, results.median(name, "p50_us"), results.median(name, "p99_us"), calls_per_second)
-        )
-    return rows
+        entries.append((f"HostToPage/{size}", f"host to page, InvokeWebMethod, {size_label}"))
+        entries.append((f"PageToHost/bridge/{size}", f"page to host, wevlinHost bridge, {size_label}"))
+        entries.append((f"PageToHost/library/{size}", f"page to host, wevlin.js invokeMethod, {size_label}"))
+    return entries
+
+
+def page_clock_us(results, engine):
+    """The step of the page's clock (performance.now) in `engine`, in microseconds, or None."""
+    for name in results.runs:
+        if name.startswith(f"Browser/{engine}/PageToHost/"):
+            return results.median(name, "page_clock_us")
+    return None
+
+
+def browser_engines(results):
+    """The engines with at least one browser result, in ENGINES order."""
+    return [engine for engine in ENGINES if any(name.startswith(f"Browser/{engine}/") for name in results.runs)]
+
+
+def browser_row(results, engine, entry):
+    """A dict with mean (s), p50 and p99 (us) and rate (calls/s) of one browser benchmark, or None.
+
+    A page-side percentile below the step of the page's clock cannot be told
+    from zero: p50 and p99 are then None and `below_clock` is True."""
+    name = f"Browser/{engine}/{entry}"
+    if not results.has(name):
+        return None
+    calls_per_second = results.median(name, "items_per_second")
+    row = {
+        "mean": None if not calls_per_second else 1.0 / calls_per_second,
+        "p50": results.median(name, "p50_us"),
+        "p99": results.median(name, "p99_us"),
+        "rate": calls_per_second,
+        "below_clock": False,
+    }
+    clock = page_clock_us(results, engine) if entry.startswith("PageToHost/") else None
+    if clock:
+        for field in ("p50", "p99"):
+            if row[field] is not None and row[field] < clock:
+                row[field] = None
+                row["below_clock"] = True
+    return row
+
+
+def percentile_cell(row, field, clock):
+    if row is None:
+        return "-"
+    if row[field] is None and row["below_clock"]:
+        return f"< {fmt(clock, 0)}"
+    return fmt(row[field], 0)
 
 
 def browser_table(results):
-    rows = browser_rows(results)
-    if not rows:
+    engines = browser_engines(results)
+    if not engines:
         return []
-    evaluate = next((row for row in rows if row[0] == "Browser/Evaluate"), None)
-    table = [
-        "| Call | calls/s | mean us | p50 us | p99 us | mean / evaluate | p50 / evaluate |",
-        "|---|---:|---:|---:|---:|---:|---:|",
-    ]
-    for name, label, mean, p50, p99, calls_per_second in rows:
-        table.append(
-            f"| {label} | {fmt(calls_per_second, 0)} | {fmt(mean * 1e6 if mean else None, 0)} | "
-            f"{fmt(p50, 0)} | {fmt(p99, 0)} | "
-            f"{fmt(ratio(mean, evaluate[2]) if evaluate else None, 2)} | "
-            f"{fmt(ratio(p50, evaluate[3]) if evaluate else None, 2)} |"
-        )
-    clock = None
-    for name in results.runs:
-        if name.startswith("Browser/PageToHost/"):
-            clock = results.median(name, "page_clock_us")
-            break
-    if clock:
+    clocks = {engine: page_clock_us(results, engine) for engine in engines}
+    rows = {
+        engine: {entry: browser_row(results, engine, entry) for entry, _ in browser_entries()}
+        for engine in engines
+    }
+    header = "| Call |"
+    rule = "|---|"
+    for engine in engines:
+        header += f" {engine} calls/s | {engine} mean us | {engine} p50 us |"
+        rule += "---:|---:|---:|"
+    if len(engines) == 2:
+        header += f" {engines[1]} / {engines[0]} (mean) |"
+        rule += "---:|"
+    table = [header, rule]
+    for entry, label in browser_entries():
+        if all(rows[engine][entry] is None for engine in engines):
+            continue
+        line = f"| {label} |"
+        for engine in engines:
+            row = rows[engine][entry]
+            line += (
+                f" {fmt(row['rate'] if row else None, 0)} |"
+                f" {fmt(row['mean'] * 1e6 if row and row['mean'] else None, 0)} |"
+                f" {percentile_cell(row, 'p50', clocks[engine])} |"
+            )
+        if len(engines) == 2:
+            first, second = (rows[engine][entry] for engine in engines)
+            line += f" {fmt(ratio(second and second['mean'], first and first['mean']), 2)} |"
+        table.append(line)
+
+    table.append("")
+    table.append("Each engine against its own floor (the bare script round trip), and its tail:")
+    table.append("")
+    header = "| Call |"
+    rule = "|---|"
+    for engine in engines:
+        header += f" {engine} mean / evaluate | {engine} p50 / evaluate | {engine} p99 us |"
+        rule += "---:|---:|---:|"
+    table.extend([header, rule])
+    for entry, label in browser_entries():
+        if all(rows[engine][entry] is None for engine in engines):
+            continue
+        line = f"| {label} |"
+        for engine in engines:
+            row = rows[engine][entry]
+            floor = rows[engine]["Evaluate"]
+            line += (
+                f" {fmt(ratio(row and row['mean'], floor and floor['mean']), 2)} |"
+                f" {fmt(ratio(row and row['p50'], floor and floor['p50']), 2)} |"
+                f" {percentile_cell(row, 'p99', clocks[engine])} |"
+            )
+        table.append(line)
+
+    steps = [f"{fmt(clocks[engine], 0)} us in {engine}" for engine in engines if clocks[engine]]
+    if steps:
         table.append("")
         table.append(
-            f"The page's clock (performance.now) moves in steps of {fmt(clock, 0)} us here, so the "
-            "page-to-host percentiles are good to one step; the means are exact."
+            f"The page's clock (performance.now) moves in steps of {' and '.join(steps)} here, so "
+            "the page-to-host percentiles are good to one step (\"< step\" where the call took less, "
+            "and no ratio); the means are exact."
         )
     return table
+
+
+def browser_floor_lines(results):
+    """Per engine: how a page-to-host call (100 B, bridge) compares with that engine's evaluate floor."""
+    lines = []
+    for engine in browser_engines(results):
+        evaluate = browser_row(results, engine, "Evaluate")
+        bridge = browser_row(results, engine, "PageToHost/bridge/100")
+        if not evaluate or not bridge or not evaluate["mean"]:
+            continue
+        by_mean = ratio(bridge["mean"], evaluate["mean"])
+        by_median = ratio(bridge["p50"], evaluate["p50"])
+        if by_median is None and bridge["below_clock"]:
+            median_text = f"p50 below the page clock's {fmt(page_clock_us(results, engine), 0)} us step"
+            worst = by_mean
+        else:
+            median_text = f"p50 {fmt(by_median, 2)}x"
+            worst = None if by_mean is None or by_median is None else max(by_mean, by_median)
+        lines.append((engine, by_mean, median_text, worst))
+    return lines
 
 
 def goals(results):
@@ -353,16 +447,10 @@ def goals(results):
             f"10,000: {fmt((results.seconds('Dispatch/HostMethod/services:10000') or 0) * 1e9, 0)} ns): "
             f"{verdict(hundred < 2e-6)}."
         )
-    rows = {row[0]: row for row in browser_rows(results)}
-    evaluate = rows.get("Browser/Evaluate")
-    bridge = rows.get("Browser/PageToHost/bridge/100")
-    if evaluate and bridge and evaluate[2]:
-        by_mean = ratio(bridge[2], evaluate[2])
-        by_median = ratio(bridge[3], evaluate[3])
+    for engine, by_mean, median_text, worst in browser_floor_lines(results):
         lines.append(
-            f"- Page to host <= 2x a bare evaluate (100 B, bridge): mean {fmt(by_mean, 2)}x, "
-            f"p50 {fmt(by_median, 2)}x: "
-            f"{verdict(by_mean is not None and by_median is not None and max(by_mean, by_median) <= 2.0)}."
+            f"- Page to host <= 2x a bare evaluate ({engine}, 100 B, bridge): mean {fmt(by_mean, 2)}x, "
+            f"{median_text}: {verdict(worst is not None and worst <= 2.0)}."
         )
     return lines
 
@@ -391,7 +479,7 @@ def markdown(results):
         ("Base64", base64_table(results)),
         ("Dispatch (library cost per call)", dispatch_table(results)),
         ("Many host control instances", scale_table(results)),
-        ("Through the browser (ChromiumWebControl)", browser_table(results)),
+        ("Through the browser (ChromiumWebControl and WebKitGtkWebControl)", browser_table(results)),
         ("Runs", context_lines(results)),
     ]
     out = []
@@ -426,7 +514,11 @@ def chart(results, path):
     matplotlib.use("Agg")
     import matplotlib.pyplot as plt
 
-    figure, axes = plt.subplots(2, 2, figsize=(15, 10))
+    engines = browser_engines(results)
+    rows = 3 if engines else 2
+    figure = plt.figure(figsize=(15, 5 * rows))
+    grid = figure.add_gridspec(rows, 2)
+    axes = [[figure.add_subplot(grid[row, column]) for column in range(2)] for row in range(2)]
     colors = {"wevlin": "#2b6cb0", "nlohmann": "#dd6b20", "rapidjson": "#718096"}
 
     for axis, direction in ((axes[0][0], "Read"), (axes[0][1], "Write")):
@@ -486,7 +578,6 @@ def chart(results, path):
     if seconds is not None:
         names.append("InvokeWebMethod\n(answering control)")
         values.append(seconds * 1e9)
-    browser = browser_rows(results)
     if values:
         bars = axis.bar(range(len(values)), values, color="#2b6cb0")
         axis.bar_label(bars, labels=[f"{value:,.0f} ns" for value in values], fontsize=8)
@@ -494,16 +585,38 @@ def chart(results, path):
         axis.set_xticks(range(len(values)))
         axis.set_xticklabels(names, fontsize=8)
         axis.set_ylabel("ns per call (CPU)")
-        title = "Library cost per call, median"
-        if browser:
-            evaluate = next((row for row in browser if row[0] == "Browser/Evaluate"), None)
-            bridge = next((row for row in browser if row[0] == "Browser/PageToHost/bridge/100"), None)
-            if evaluate and bridge and evaluate[2] and bridge[2]:
-                title += (
-                    f"\nthrough the browser: evaluate {evaluate[2] * 1e6:,.0f} us, "
-                    f"page to host {bridge[2] * 1e6:,.0f} us (means, 100 B)"
-                )
-        axis.set_title(title, fontsize=10)
+        axis.set_title("Library cost per call, median", fontsize=10)
+        axis.legend(fontsize=8, loc="upper left")
+        axis.grid(axis="y", alpha=0.3)
+
+    if engines:
+        # Both engines side by side, per call: the mean time (log scale, the
+        # payloads span three orders of magnitude).
+        axis = figure.add_subplot(grid[2, :])
+        entries = [
+            (entry, label)
+            for entry, label in browser_entries()
+            if any(results.has(f"Browser/{engine}/{entry}") for engine in engines)
+        ]
+        engine_colors = {"chromium": "#2b6cb0", "webkitgtk": "#38a169"}
+        width = 0.8 / len(engines)
+        for index, engine in enumerate(engines):
+            values = []
+            for entry, _ in entries:
+                row = browser_row(results, engine, entry)
+                values.append(row["mean"] * 1e6 if row and row["mean"] else 0)
+            positions = [
+                position + (index - (len(engines) - 1) / 2) * width for position in range(len(entries))
+            ]
+            bars = axis.bar(positions, values, width, label=engine, color=engine_colors.get(engine))
+            axis.bar_label(bars, labels=[f"{value:,.0f}" if value else "" for value in values], fontsize=7)
+        axis.set_yscale("log")
+        axis.set_xticks(range(len(entries)))
+        axis.set_xticklabels(
+            [label.replace(", ", "\n", 1).replace(" (", "\n(", 1) for _, label in entries], fontsize=8
+        )
+        axis.set_ylabel("us per call (mean, wall clock; log scale)")
+        axis.set_title("Through the browser: mean time per call on each web control (median of the repetitions)", fontsize=10)
         axis.legend(fontsize=8, loc="upper left")
         axis.grid(axis="y", alpha=0.3)
 

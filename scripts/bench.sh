@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
 # Builds the benchmarks (Release) and runs them. Installs what is missing: the
 # C++ build packages, Google Benchmark, the two JSON libraries measured beside
-# wevlin's own (nlohmann-json, RapidJSON), chromium for the browser
-# benchmarks and, for the chart, python3-matplotlib.
+# wevlin's own (nlohmann-json, RapidJSON), chromium and libwebkit2gtk-4.1-dev
+# for the browser benchmarks (which run on both web controls), xvfb and xauth
+# for the display the WebKitGTK control needs and, for the chart,
+# python3-matplotlib.
 #
 #   scripts/bench.sh           full run: repetitions, results as JSON in
 #                              $BUILD_DIR/results, the chart docs/performance.png
@@ -16,10 +18,12 @@
 # (twitter.json, citm_catalog.json, canada.json, github_events.json) is read
 # from $WEVLIN_BENCH_DATA, else from ../shared/bench-data beside the
 # repository; without it those benchmarks are skipped with a message and the
-# generated documents still run.
+# generated documents still run. The browser benchmarks run on the X display
+# that $DISPLAY names, else on a virtual one of their own (xvfb-run).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/lib/prereqs.sh
+. scripts/lib/display.sh
 
 mode=full
 case "${1:-}" in
@@ -32,7 +36,7 @@ case "${1:-}" in
 esac
 
 packages=("${WEVLIN_BUILD_PACKAGES[@]}" libbenchmark-dev nlohmann-json3-dev rapidjson-dev chromium
-  python3)
+  libwebkit2gtk-4.1-dev xvfb xauth python3)
 if [ "$mode" = full ]; then
   packages+=(python3-matplotlib)
 fi
@@ -48,6 +52,7 @@ cmake -S . -B "$build_dir" -G Ninja \
   -DWEVLIN_WARNINGS_AS_ERRORS=ON \
   -DWEVLIN_BUILD_BENCHMARKS=ON \
   -DWEVLIN_BUILD_CHROMIUM=ON \
+  -DWEVLIN_BUILD_WEBKITGTK=ON \
   -DWEVLIN_BUILD_TESTS=OFF \
   -DWEVLIN_BUILD_EXAMPLES=OFF
 cmake --build "$build_dir" --target wevlin_bench wevlin_bench_browser
@@ -68,7 +73,7 @@ if [ "$mode" = smoke ]; then
   # Each benchmark runs for about 10 ms; the page's batches are cut to five
   # calls.
   run main "$bench" --benchmark_min_time=0.01
-  WEVLIN_BENCH_SMOKE=1 run browser "$browser" --benchmark_min_time=0.01
+  WEVLIN_BENCH_SMOKE=1 run browser run_with_display "$browser" --benchmark_min_time=0.01
   "$python" bench/plot.py "$results"/*.json --check
   exit 0
 fi
@@ -81,7 +86,7 @@ run main "$bench" --benchmark_filter='-^Scale/' --benchmark_min_time=0.5 \
   --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true
 run scale "$bench" --benchmark_filter='^Scale/' --benchmark_min_time=0.2 \
   --benchmark_repetitions=5
-run browser "$browser" --benchmark_min_time=1 --benchmark_repetitions=3
+run browser run_with_display "$browser" --benchmark_min_time=1 --benchmark_repetitions=3
 "$python" bench/plot.py "$results"/*.json --check \
   --markdown docs/performance.md --chart docs/performance.png
 echo "Results: $results; tables: docs/performance.md; chart: docs/performance.png"
