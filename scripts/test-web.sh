@@ -4,7 +4,8 @@
 # dependencies, checks that the checked-in generated files (src/wevlin.js and
 # the other entries) match the modules in src/lib/, then runs the linter, the
 # type check of the declarations, the formatting check and the unit tests,
-# and lints the web controls' page script (wevlin/webcontrols/bridge-shim.js).
+# and lints the web controls' page scripts (wevlin/webcontrols/bridge-shim.js
+# and the WebKitGTK control's webkit-transport.js and webkit-console.js).
 #
 #   scripts/test-web.sh
 set -euo pipefail
@@ -32,10 +33,11 @@ echo "== npm run typecheck"
 npm run typecheck
 echo "== npm run format:check"
 npm run format:check
-echo "== the web controls' page script (wevlin/webcontrols/bridge-shim.js): lint and format"
+echo "== the web controls' page scripts (wevlin/webcontrols/): lint and format"
 (cd ../wevlin/webcontrols &&
-  ../../web/node_modules/.bin/eslint --config eslint.config.js bridge-shim.js &&
+  ../../web/node_modules/.bin/eslint --config eslint.config.js \
+    bridge-shim.js webkitgtk/webkit-transport.js webkitgtk/webkit-console.js &&
   ../../web/node_modules/.bin/prettier --config ../../web/.prettierrc.json --check \
-    bridge-shim.js eslint.config.js)
+    bridge-shim.js eslint.config.js webkitgtk/webkit-transport.js webkitgtk/webkit-console.js)
 echo "== npm test"
 npm test

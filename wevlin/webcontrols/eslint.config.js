@@ -1,7 +1,9 @@
 "use strict";
 
-// Lint configuration of the bridge's page script, bridge-shim.js: a classic
-// script that a web control runs before any script of a document. The lint
+// Lint configuration of the web controls' page scripts (bridge-shim.js, and
+// the WebKitGTK control's webkitgtk/webkit-transport.js and
+// webkitgtk/webkit-console.js): classic scripts that a web control runs
+// before any script of a document. The lint
 // tools come from the page library's folder (web/, where `npm ci` installs
 // them); scripts/test-web.sh runs this.
 const path = require("node:path");
@@ -14,7 +16,7 @@ const globals = fromWeb("globals");
 module.exports = [
   js.configs.recommended,
   {
-    files: ["bridge-shim.js"],
+    files: ["bridge-shim.js", "webkitgtk/webkit-transport.js", "webkitgtk/webkit-console.js"],
     languageOptions: {
       sourceType: "script",
       globals: { ...globals.browser, ...globals.es2022 },

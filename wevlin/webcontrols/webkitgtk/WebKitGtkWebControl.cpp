@@ -18,6 +18,7 @@
 #include "wevlin/infrastructure/interop/JsonSerializationHelper.h"
 #include "wevlin/webcontrols/internal/PageBridge.h"
 #include "wevlin/webcontrols/internal/Utf8Text.h"
+#include "wevlin/webcontrols/webkitgtk/internal/PageScripts.h"
 #include "wevlin/webcontrols/webkitgtk/internal/ScriptResult.h"
 
 namespace Com::Velmora::TAVO::Wevlin::WebControls::WebKitGtk {
@@ -71,82 +72,29 @@ std::string NewKey() {
   return key;
 }
 
-// The shim's transport in this control: a function that posts a call to the
-// call handler and returns the Promise of the handler's reply [ok, base64].
-// In front of each call go the control's key, "T" or "F" (top frame or not),
-// the document's origin and its URL, each read when the document starts,
-// before any script of the page runs, and kept only in this closure with
-// everything the function uses: a frame or script that posts to the handler
-// itself has no key, and no script of the page can change what the closure
-// says of its document. The origin is written as the shim writes it.
-std::string ShimTransport(const std::string& key) {
-  return std::string(
-             "(() => {\n"
-             "  \"use strict\";\n"
-             "  const handlers = globalThis.webkit && globalThis.webkit.messageHandlers;\n"
-             "  const handler = handlers && handlers.") +
-         kCallHandler +
-         ";\n"
-         "  if (!handler || typeof handler.postMessage !== \"function\") return {};\n"
-         "  const postMessage = handler.postMessage;\n"
-         "  const apply = Reflect.apply;\n"
-         "  let isTop = false;\n"
-         "  try {\n"
-         "    isTop = globalThis.top === globalThis;\n"
-         "  } catch (ignored) {\n"
-         "    isTop = false;\n"
-         "  }\n"
-         "  const location = globalThis.location;\n"
-         "  const origin = location.protocol === \"file:\" ? \"file://\" : "
-         "String(globalThis.origin);\n"
-         "  const head = \"" +
-         key +
-         "\" + (isTop ? \"T\" : \"F\") + origin + \"\\n\" + String(location.href) + "
-         "\"\\n\";\n"
-         "  return {post: (message) =>\n"
-         "    apply(postMessage, handler, [head + (typeof message === \"string\" ? message : "
-         "\"\")])};\n"
-         "})()";
+// Returns `text`, a handler's name or the key (no control characters), as a
+// JavaScript string literal.
+std::string ScriptString(const std::string& text) {
+  std::string literal = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') literal += '\\';
+    literal += c;
+  }
+  return literal + "\"";
 }
 
-// The script that passes the page's console messages to the host as
-// "<type>\n<text>", each argument written as the console shows it.
+// The shim's transport in this control (webkit-transport.js), called with the
+// call handler's name and the control's key.
+std::string ShimTransport(const std::string& key) {
+  return "(() => {\nconst transport = " + std::string(internal::WebKitTransportScript()) +
+         "\nreturn transport(" + ScriptString(kCallHandler) + ", " + ScriptString(key) + ");\n})()";
+}
+
+// The console hook (webkit-console.js), called with the console handler's
+// name.
 std::string ConsoleHookSource() {
-  return std::string(
-             "(() => {\n"
-             "  \"use strict\";\n"
-             "  const handlers = globalThis.webkit && globalThis.webkit.messageHandlers;\n"
-             "  const handler = handlers && handlers.") +
-         kConsoleHandler +
-         ";\n"
-         "  const console = globalThis.console;\n"
-         "  if (!handler || !console) return;\n"
-         "  const postMessage = handler.postMessage;\n"
-         "  const apply = Reflect.apply;\n"
-         "  const stringify = JSON.stringify;\n"
-         "  const toText = (value) => {\n"
-         "    if (typeof value === \"string\") return value;\n"
-         "    if (value !== null && typeof value === \"object\") {\n"
-         "      try {\n"
-         "        const json = stringify(value);\n"
-         "        if (typeof json === \"string\") return json;\n"
-         "      } catch (ignored) {}\n"
-         "    }\n"
-         "    try { return String(value); } catch (ignored) { return \"\"; }\n"
-         "  };\n"
-         "  const types = [[\"log\", \"log\"], [\"info\", \"info\"], [\"warn\", \"warning\"],\n"
-         "    [\"error\", \"error\"], [\"debug\", \"debug\"]];\n"
-         "  for (const [name, type] of types) {\n"
-         "    const original = console[name];\n"
-         "    if (typeof original !== \"function\") continue;\n"
-         "    console[name] = function (...args) {\n"
-         "      try {\n"
-         "        apply(postMessage, handler, [type + \"\\n\" + args.map(toText).join(\" \")]);\n"
-         "      } catch (ignored) {}\n"
-         "      return apply(original, this, args);\n"
-         "    };\n"
-         "  }\n"
-         "})();\n";
+  return "(() => {\nconst hook = " + std::string(internal::WebKitConsoleScript()) + "\nhook(" +
+         ScriptString(kConsoleHandler) + ");\n})();\n";
 }
 
 std::string TerminationText(WebKitWebProcessTerminationReason reason) {
@@ -391,10 +339,12 @@ WebKitGtkWebControl::Impl::~Impl() {
   if (deliverySource_ != 0) g_source_remove(deliverySource_);
   // A view destroyed with its window has dropped its handlers already.
   for (const gulong handler : viewHandlers_) {
-    if (g_signal_handler_is_connected(view_, handler)) g_signal_handler_disconnect(view_, handler);
+    if (g_signal_handler_is_connected(view_, handler) != FALSE) {
+      g_signal_handler_disconnect(view_, handler);
+    }
   }
   for (const gulong handler : contentHandlers_) {
-    if (g_signal_handler_is_connected(content_, handler)) {
+    if (g_signal_handler_is_connected(content_, handler) != FALSE) {
       g_signal_handler_disconnect(content_, handler);
     }
   }
