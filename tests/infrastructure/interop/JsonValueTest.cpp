@@ -135,6 +135,85 @@ TEST(JsonValueTest, EverySetterReplacesAnyKind) {
   EXPECT_EQ(value.ToJsonString(), "[9]");
 }
 
+// One value of each kind, with the text it writes and the accessor that
+// reads it; each sets the value through the matching setter.
+struct Kind {
+  const char* accessor;
+  std::string text;
+  void (*set)(JsonValue& value);
+};
+
+std::vector<Kind> EveryKind() {
+  return {
+      {"", "null", [](JsonValue& value) { value.Clear(); }},
+      {"int", "-7", [](JsonValue& value) { value.SetValue(-7); }},
+      {"string", "\"a long string that does not fit in a short buffer\"",
+       [](JsonValue& value) {
+         value.SetValue(std::string("a long string that does not fit in a short buffer"));
+       }},
+      {"double", "0.25", [](JsonValue& value) { value.SetValue(0.25); }},
+      {"bool", "true", [](JsonValue& value) { value.SetValue(true); }},
+      {"object", "{\"k\": [1, \"v\"]}",
+       [](JsonValue& value) {
+         JsonObject object;
+         object.SetProperty("k", JsonValue(std::vector<JsonValue>{JsonValue(1), JsonValue("v")}));
+         value.SetValue(std::move(object));
+       }},
+      {"array", "[{\"x\": null}, \"y\"]",
+       [](JsonValue& value) {
+         JsonObject object;
+         object.SetProperty("x", JsonValue());
+         value.SetValue(std::vector<JsonValue>{JsonValue(object), JsonValue("y")});
+       }},
+  };
+}
+
+TEST(JsonValueTest, EveryKindChangesIntoEveryOtherAndCopiesKeepTheirOwn) {
+  const std::vector<Kind> kinds = EveryKind();
+  for (const Kind& from : kinds) {
+    for (const Kind& to : kinds) {
+      SCOPED_TRACE(from.text + " -> " + to.text);
+      JsonValue value;
+      from.set(value);
+      const JsonValue copy(value);
+      JsonValue assigned(3.5);
+      assigned = value;
+      to.set(value);
+      EXPECT_EQ(value.ToJsonString(), to.text);
+      EXPECT_EQ(WorkingAccessors(value), to.accessor);
+      EXPECT_EQ(copy.ToJsonString(), from.text);
+      EXPECT_EQ(WorkingAccessors(copy), from.accessor);
+      EXPECT_EQ(assigned.ToJsonString(), from.text);
+      EXPECT_EQ(WorkingAccessors(assigned), from.accessor);
+      // Moving hands the content over and leaves a Null that takes any kind.
+      JsonValue moved(std::move(assigned));
+      EXPECT_EQ(moved.ToJsonString(), from.text);
+      EXPECT_EQ(assigned.GetType(), JsonValue::Null);  // NOLINT(bugprone-use-after-move)
+      to.set(assigned);
+      EXPECT_EQ(assigned.ToJsonString(), to.text);
+      EXPECT_EQ(WorkingAccessors(assigned), to.accessor);
+    }
+  }
+}
+
+TEST(JsonValueTest, AScalarReadsItsOwnValueAfterAnotherKind) {
+  JsonValue value(-1.0);
+  value.SetValue(0);
+  EXPECT_EQ(value.GetAsInt(), 0);
+  value.SetValue(std::string("x"));
+  value.SetValue(false);
+  EXPECT_FALSE(value.GetAsBool());
+  value.SetValue(true);
+  value.SetValue(0.0);
+  EXPECT_EQ(value.GetAsDouble(), 0.0);
+  EXPECT_FALSE(std::signbit(value.GetAsDouble()));
+  value.SetValue(std::numeric_limits<int>::min());
+  value.SetValue(std::vector<JsonValue>());
+  value.Clear();
+  value.SetValue(1);
+  EXPECT_EQ(value.GetAsInt(), 1);
+}
+
 TEST(JsonValueTest, PushBackOnAStringMakesAOneElementArray) {
   JsonValue value("x");
   value.PushBack(JsonValue(5));

@@ -9,36 +9,63 @@
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
-// The content of a value: every slot at once, in this order, and the type.
-// Only the slot named by `type` is meaningful; the others are always empty,
-// false or zero, because every setter resets the whole body first. Empty
-// slots cost no allocation: an empty vector, map or short string lives inside
-// the body itself.
+// The content of a value: its type and the one slot that type names, sharing
+// storage with the slots of the other kinds, so that a body is as large as its
+// largest slot (an object) and not the sum of all of them. Only the slot named
+// by `type` is alive; a Null body has none. Every change of type goes through
+// Reset, which destroys the live slot, and then stores the new one (a plain
+// store for a scalar, an Emplace* helper for a string, object or array, which
+// are constructed in place and destroyed explicitly), so a slot of another kind
+// is never read. Owned by exactly one JsonValue, or the shared Null body that
+// nobody changes; same threading as JsonValue.
 struct JsonValueBody {
-  // Resets every slot and the type, as JsonValue::Clear documents. Slots are
-  // only ever non-empty when their type says so, so only that one has
-  // anything to release.
-  void Reset() noexcept {
-    switch (type) {
+  JsonValueBody() noexcept {}
+
+  // Copies `other`'s type and its live slot deeply.
+  JsonValueBody(const JsonValueBody& other) {
+    switch (other.type) {
       case JsonValue::Integer:
-        intValue = 0;
+        intValue = other.intValue;
         break;
       case JsonValue::Double:
-        doubleValue = 0.0;
+        doubleValue = other.doubleValue;
         break;
       case JsonValue::Boolean:
-        boolValue = false;
+        boolValue = other.boolValue;
         break;
       case JsonValue::String:
-        // Swapped out rather than cleared, so that a long string's buffer is
-        // released now and not kept for a later value of another kind.
-        std::string().swap(stringValue);
+        new (&stringValue) std::string(other.stringValue);
         break;
       case JsonValue::Object:
-        objectValue = JsonObject();
+        new (&objectValue) JsonObject(other.objectValue);
         break;
       case JsonValue::Array:
-        std::vector<JsonValue>().swap(arrayValue);
+        new (&arrayValue) std::vector<JsonValue>(other.arrayValue);
+        break;
+      default:
+        break;
+    }
+    // Set only now: if a copy above throws, no slot is alive to destroy.
+    type = other.type;
+  }
+
+  JsonValueBody& operator=(const JsonValueBody&) = delete;
+
+  ~JsonValueBody() { Reset(); }
+
+  // Destroys the live slot, releasing what it holds at once (a long string's
+  // buffer, the elements of an array, the properties of an object), and makes
+  // the body Null, as JsonValue::Clear documents.
+  void Reset() noexcept {
+    switch (type) {
+      case JsonValue::String:
+        stringValue.~basic_string();
+        break;
+      case JsonValue::Object:
+        objectValue.~JsonObject();
+        break;
+      case JsonValue::Array:
+        arrayValue.~vector();
         break;
       default:
         break;
@@ -46,12 +73,29 @@ struct JsonValueBody {
     type = JsonValue::Null;
   }
 
-  std::vector<JsonValue> arrayValue;
-  bool boolValue = false;
-  double doubleValue = 0.0;
-  int intValue = 0;
-  JsonObject objectValue;
-  std::string stringValue;
+  // Each stores its argument in a Null body and sets the matching type.
+  // None of them throws: the slots are built by moving.
+  void EmplaceString(std::string&& value) noexcept {
+    new (&stringValue) std::string(std::move(value));
+    type = JsonValue::String;
+  }
+  void EmplaceObject(JsonObject&& value) noexcept {
+    new (&objectValue) JsonObject(std::move(value));
+    type = JsonValue::Object;
+  }
+  void EmplaceArray(std::vector<JsonValue>&& value) noexcept {
+    new (&arrayValue) std::vector<JsonValue>(std::move(value));
+    type = JsonValue::Array;
+  }
+
+  union {
+    int intValue;
+    double doubleValue;
+    bool boolValue;
+    std::string stringValue;
+    JsonObject objectValue;
+    std::vector<JsonValue> arrayValue;
+  };
   JsonValue::ValueType type = JsonValue::Null;
 };
 
@@ -150,8 +194,7 @@ void JsonValue::SetValue(std::string&& value) {
   std::string taken(std::move(value));
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->stringValue = std::move(taken);
-  body_->type = String;
+  body_->EmplaceString(std::move(taken));
 }
 
 void JsonValue::SetValue(const char* value) {
@@ -164,8 +207,7 @@ void JsonValue::SetValue(JsonObject&& value) {
   JsonObject taken(std::move(value));
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->objectValue = std::move(taken);
-  body_->type = Object;
+  body_->EmplaceObject(std::move(taken));
 }
 
 void JsonValue::SetValue(const std::vector<JsonValue>& value) {
@@ -176,8 +218,7 @@ void JsonValue::SetValue(std::vector<JsonValue>&& value) {
   std::vector<JsonValue> taken(std::move(value));
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->arrayValue = std::move(taken);
-  body_->type = Array;
+  body_->EmplaceArray(std::move(taken));
 }
 
 void JsonValue::PushBack(const JsonValue& value) {
@@ -190,7 +231,7 @@ void JsonValue::PushBack(JsonValue&& value) {
   if (body_->type != Array) {
     Clear();
     if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-    body_->type = Array;
+    body_->EmplaceArray(std::vector<JsonValue>());
   }
   body_->arrayValue.push_back(std::move(taken));
 }

@@ -92,8 +92,8 @@ class WEVLIN_EXPORT JsonValue {
   void PushBack(const JsonValue& value);
   void PushBack(JsonValue&& value);
 
-  // Resets the value to Null: empties the array, the object and the string
-  // and zeroes the scalars.
+  // Resets the value to Null, releasing at once whatever it held (the
+  // array's elements, the object's properties, the string's bytes).
   void Clear();
 
   // Returns the kind of the value.
