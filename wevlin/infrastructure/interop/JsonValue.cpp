@@ -2,101 +2,47 @@
 
 #include <new>
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
+#include <variant>
 
 #include "wevlin/infrastructure/interop/JsonObject.h"
 #include "wevlin/infrastructure/interop/internal/JsonText.h"
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
-// The content of a value: its type and the one slot that type names, sharing
-// storage with the slots of the other kinds, so that a body is as large as its
-// largest slot (an object) and not the sum of all of them. Only the slot named
-// by `type` is alive; a Null body has none. Every change of type goes through
-// Reset, which destroys the live slot, and then stores the new one (a plain
-// store for a scalar, an Emplace* helper for a string, object or array, which
-// are constructed in place and destroyed explicitly), so a slot of another kind
-// is never read. Owned by exactly one JsonValue, or the shared Null body that
-// nobody changes; same threading as JsonValue.
+// The slots, in the order of the kind numbers.
+using JsonSlot = std::variant<std::monostate, int, std::string, double, bool, JsonObject,
+                              std::vector<JsonValue>>;
+
+// True if the slot of kind `kind` holds a `T`.
+template <JsonValue::ValueType kind, typename T>
+constexpr bool kSlotHolds = std::is_same_v<std::variant_alternative_t<kind, JsonSlot>, T>;
+
+static_assert(kSlotHolds<JsonValue::Integer, int> && kSlotHolds<JsonValue::String, std::string> &&
+                  kSlotHolds<JsonValue::Double, double> && kSlotHolds<JsonValue::Boolean, bool> &&
+                  kSlotHolds<JsonValue::Object, JsonObject> &&
+                  kSlotHolds<JsonValue::Array, std::vector<JsonValue>>,
+              "the slots stand in the order of the kind numbers");
+
+// The content of a value: the one slot its kind names, as a variant whose
+// alternatives stand in the order of the kind numbers (std::monostate for
+// Null), so that the alternative's index is the kind. The body is as large as
+// its largest slot (an object) plus the index, not the sum of all slots; a
+// change of kind destroys the old slot and builds the new one, so a slot of
+// another kind can never be read. Owned by exactly one JsonValue, or the
+// shared Null body that nobody changes; same threading as JsonValue.
 struct JsonValueBody {
-  JsonValueBody() noexcept {}
+  // Makes the body Null, releasing at once what the old slot held (a long
+  // string's buffer, the elements of an array, the properties of an object).
+  void Reset() { slot.emplace<JsonValue::Null>(); }
 
-  // Copies `other`'s type and its live slot deeply.
-  JsonValueBody(const JsonValueBody& other) {
-    switch (other.type) {
-      case JsonValue::Integer:
-        intValue = other.intValue;
-        break;
-      case JsonValue::Double:
-        doubleValue = other.doubleValue;
-        break;
-      case JsonValue::Boolean:
-        boolValue = other.boolValue;
-        break;
-      case JsonValue::String:
-        new (&stringValue) std::string(other.stringValue);
-        break;
-      case JsonValue::Object:
-        new (&objectValue) JsonObject(other.objectValue);
-        break;
-      case JsonValue::Array:
-        new (&arrayValue) std::vector<JsonValue>(other.arrayValue);
-        break;
-      default:
-        break;
-    }
-    // Set only now: if a copy above throws, no slot is alive to destroy.
-    type = other.type;
+  // Returns the kind of the live slot.
+  JsonValue::ValueType Type() const noexcept {
+    return static_cast<JsonValue::ValueType>(slot.index());
   }
 
-  JsonValueBody& operator=(const JsonValueBody&) = delete;
-
-  ~JsonValueBody() { Reset(); }
-
-  // Destroys the live slot, releasing what it holds at once (a long string's
-  // buffer, the elements of an array, the properties of an object), and makes
-  // the body Null, as JsonValue::Clear documents.
-  void Reset() noexcept {
-    switch (type) {
-      case JsonValue::String:
-        stringValue.~basic_string();
-        break;
-      case JsonValue::Object:
-        objectValue.~JsonObject();
-        break;
-      case JsonValue::Array:
-        arrayValue.~vector();
-        break;
-      default:
-        break;
-    }
-    type = JsonValue::Null;
-  }
-
-  // Each stores its argument in a Null body and sets the matching type.
-  // None of them throws: the slots are built by moving.
-  void EmplaceString(std::string&& value) noexcept {
-    new (&stringValue) std::string(std::move(value));
-    type = JsonValue::String;
-  }
-  void EmplaceObject(JsonObject&& value) noexcept {
-    new (&objectValue) JsonObject(std::move(value));
-    type = JsonValue::Object;
-  }
-  void EmplaceArray(std::vector<JsonValue>&& value) noexcept {
-    new (&arrayValue) std::vector<JsonValue>(std::move(value));
-    type = JsonValue::Array;
-  }
-
-  union {
-    int intValue;
-    double doubleValue;
-    bool boolValue;
-    std::string stringValue;
-    JsonObject objectValue;
-    std::vector<JsonValue> arrayValue;
-  };
-  JsonValue::ValueType type = JsonValue::Null;
+  JsonSlot slot;
 };
 
 namespace {
@@ -167,22 +113,19 @@ JsonValue::~JsonValue() {
 void JsonValue::SetValue(int value) {
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->intValue = value;
-  body_->type = Integer;
+  body_->slot.emplace<Integer>(value);
 }
 
 void JsonValue::SetValue(double value) {
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->doubleValue = value;
-  body_->type = Double;
+  body_->slot.emplace<Double>(value);
 }
 
 void JsonValue::SetValue(bool value) {
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->boolValue = value;
-  body_->type = Boolean;
+  body_->slot.emplace<Boolean>(value);
 }
 
 void JsonValue::SetValue(const std::string& value) {
@@ -194,7 +137,7 @@ void JsonValue::SetValue(std::string&& value) {
   std::string taken(std::move(value));
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->EmplaceString(std::move(taken));
+  body_->slot.emplace<String>(std::move(taken));
 }
 
 void JsonValue::SetValue(const char* value) {
@@ -207,7 +150,7 @@ void JsonValue::SetValue(JsonObject&& value) {
   JsonObject taken(std::move(value));
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->EmplaceObject(std::move(taken));
+  body_->slot.emplace<Object>(std::move(taken));
 }
 
 void JsonValue::SetValue(const std::vector<JsonValue>& value) {
@@ -218,7 +161,7 @@ void JsonValue::SetValue(std::vector<JsonValue>&& value) {
   std::vector<JsonValue> taken(std::move(value));
   Clear();
   if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->EmplaceArray(std::move(taken));
+  body_->slot.emplace<Array>(std::move(taken));
 }
 
 void JsonValue::PushBack(const JsonValue& value) {
@@ -228,12 +171,12 @@ void JsonValue::PushBack(const JsonValue& value) {
 
 void JsonValue::PushBack(JsonValue&& value) {
   JsonValue taken(std::move(value));
-  if (body_->type != Array) {
+  if (body_->Type() != Array) {
     Clear();
     if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-    body_->EmplaceArray(std::vector<JsonValue>());
+    body_->slot.emplace<Array>();
   }
-  body_->arrayValue.push_back(std::move(taken));
+  std::get<Array>(body_->slot).push_back(std::move(taken));
 }
 
 void JsonValue::Clear() {
@@ -242,36 +185,36 @@ void JsonValue::Clear() {
   body_->Reset();
 }
 
-JsonValue::ValueType JsonValue::GetType() const { return body_->type; }
+JsonValue::ValueType JsonValue::GetType() const { return body_->Type(); }
 
 int JsonValue::GetAsInt() const {
   ValidateType(Integer);
-  return body_->intValue;
+  return *std::get_if<Integer>(&body_->slot);
 }
 
 double JsonValue::GetAsDouble() const {
   ValidateType(Double);
-  return body_->doubleValue;
+  return *std::get_if<Double>(&body_->slot);
 }
 
 bool JsonValue::GetAsBool() const {
   ValidateType(Boolean);
-  return body_->boolValue;
+  return *std::get_if<Boolean>(&body_->slot);
 }
 
 const std::string& JsonValue::GetAsString() const {
   ValidateType(String);
-  return body_->stringValue;
+  return *std::get_if<String>(&body_->slot);
 }
 
 const JsonObject& JsonValue::GetAsObject() const {
   ValidateType(Object);
-  return body_->objectValue;
+  return *std::get_if<Object>(&body_->slot);
 }
 
 const std::vector<JsonValue>& JsonValue::GetAsArray() const {
   ValidateType(Array);
-  return body_->arrayValue;
+  return *std::get_if<Array>(&body_->slot);
 }
 
 bool JsonValue::FromJsonString(const std::string& text) {
@@ -285,7 +228,7 @@ std::string JsonValue::ToJsonString() const {
 }
 
 void JsonValue::ValidateType(ValueType type) const {
-  if (body_->type != type) throw std::logic_error("JsonValue invalid type requested");
+  if (body_->Type() != type) throw std::logic_error("JsonValue invalid type requested");
 }
 
 }  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop
