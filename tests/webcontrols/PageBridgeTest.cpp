@@ -260,25 +260,37 @@ TEST_F(PageBridgeTest, RefusesScriptsIntoADocumentThatMayNotTalk) {
             "The page's origin http://b.test is not allowed to talk to the host");
 }
 
-TEST_F(PageBridgeTest, ReplyExpressionCarriesTheAnswerInBase64) {
+// Returns the reply parameters WriteReplyEvaluateParams writes for `answer`,
+// checking that they are as long as ReplyEvaluateParamsSize says.
+std::string ReplyParams(const PageBridge::Answer& answer, std::int64_t contextId) {
+  std::string params;
+  const std::size_t written = PageBridge::WriteReplyEvaluateParams(
+      "__reply", answer, contextId, [&params](std::string_view piece) { params.append(piece); });
+  EXPECT_EQ(written, params.size());
+  EXPECT_EQ(PageBridge::ReplyEvaluateParamsSize("__reply", answer, contextId), params.size());
+  return params;
+}
+
+TEST_F(PageBridgeTest, ReplyParamsCarryTheAnswerInBase64) {
   PageBridge::Answer answer{12, true, "it's \"quoted\"\n\xC3\xA9"};
   std::string encoded;
   interop::Base64::EncodeString(answer.text, encoded);
-  EXPECT_EQ(PageBridge::ReplyExpression("__reply", answer),
-            "globalThis.__reply(12, true, \"" + encoded + "\")");
+  EXPECT_EQ(ReplyParams(answer, 0),
+            R"x({"expression":"globalThis.__reply(12, true, \")x" + encoded + R"x(\")"})x");
   answer.ok = false;
   answer.text = "";
-  EXPECT_EQ(PageBridge::ReplyExpression("__reply", answer), "globalThis.__reply(12, false, \"\")");
+  EXPECT_EQ(ReplyParams(answer, 0), R"x({"expression":"globalThis.__reply(12, false, \"\")"})x");
 }
 
-TEST_F(PageBridgeTest, ReplyEvaluateParamsAreTheEvaluateCommandsParameters) {
-  const std::string text = std::string(1000, 'z') + "\"\\\n";
+TEST_F(PageBridgeTest, ReplyParamsAreTheEvaluateCommandsParameters) {
+  // Longer than one piece of the encoding, and not a multiple of three.
+  const std::string text = std::string(100000, 'z') + "\"\\\n";
   std::string encoded;
   interop::Base64::EncodeString(text, encoded);
   EXPECT_EQ(
-      PageBridge::ReplyEvaluateParams("__reply", PageBridge::Answer{5, true, text}, 42),
+      ReplyParams(PageBridge::Answer{5, true, text}, 42),
       R"x({"expression":"globalThis.__reply(5, true, \")x" + encoded + R"x(\")","contextId":42})x");
-  EXPECT_EQ(PageBridge::ReplyEvaluateParams("__reply", PageBridge::Answer{6, false, ""}, 0),
+  EXPECT_EQ(ReplyParams(PageBridge::Answer{6, false, ""}, 0),
             R"x({"expression":"globalThis.__reply(6, false, \"\")"})x");
 }
 

@@ -27,9 +27,6 @@ Engine CurrentEngine();
 // Returns "chromium" or "webkitgtk".
 const char* EngineName(Engine engine);
 
-// Returns true when this build has the control of `engine`.
-bool EngineBuilt(Engine engine);
-
 // What a test asks of its control, whatever the engine: each engine's
 // factory turns it into that control's own options.
 struct ControlSettings {

@@ -189,21 +189,6 @@ PageBridge::Answer PageBridge::Serve(Call call, const PageCaller& caller) {
 
 const PageCaller* PageBridge::CurrentCaller() const { return current_; }
 
-std::string PageBridge::ReplyExpression(const std::string& replyFunction, const Answer& answer) {
-  std::string expression;
-  expression.reserve(answer.text.size() / 3 * 4 + replyFunction.size() + 64);
-  expression += "globalThis.";
-  expression += replyFunction;
-  expression += "(";
-  expression += std::to_string(answer.id);
-  expression += answer.ok ? ", true, \"" : ", false, \"";
-  std::string encoded;
-  Infrastructure::Interop::Base64::EncodeString(answer.text, encoded);
-  expression += encoded;
-  expression += "\")";
-  return expression;
-}
-
 namespace {
 
 // The parts of a reply's Runtime.evaluate parameters around the answer's
@@ -227,15 +212,6 @@ ReplyParamsFrame FrameReplyParams(const std::string& replyFunction,
 std::size_t EncodedSize(std::size_t bytes) { return (bytes + 2) / 3 * 4; }
 
 }  // namespace
-
-std::string PageBridge::ReplyEvaluateParams(const std::string& replyFunction, Answer answer,
-                                            std::int64_t contextId) {
-  std::string params;
-  params.reserve(ReplyEvaluateParamsSize(replyFunction, answer, contextId));
-  WriteReplyEvaluateParams(replyFunction, answer, contextId,
-                           [&params](std::string_view piece) { params.append(piece); });
-  return params;
-}
 
 std::size_t PageBridge::WriteReplyEvaluateParams(const std::string& replyFunction,
                                                  const Answer& answer, std::int64_t contextId,

@@ -93,22 +93,14 @@ class PageBridge {
   // outside Serve.
   const PageCaller* CurrentCaller() const;
 
-  // Returns the script expression that settles `answer` in the page through
-  // the shim's reply function `replyFunction`: the answer's UTF-8 bytes
-  // travel Base64-encoded, so no text of the host is ever parsed as script.
-  static std::string ReplyExpression(const std::string& replyFunction, const Answer& answer);
-
-  // Returns the parameters of a DevTools Runtime.evaluate that runs the
-  // ReplyExpression of `answer` in the script context `contextId` (none when
-  // 0), as JSON text: {"expression": "...", "contextId": N}. Takes the
-  // answer and frees its text once encoded, so that at most the answer and
-  // its encoding are held at once.
-  static std::string ReplyEvaluateParams(const std::string& replyFunction, Answer answer,
-                                         std::int64_t contextId);
-
-  // Writes the text ReplyEvaluateParams returns to `put`, piece by piece,
-  // encoding the answer as it goes, so that no second copy of a big answer
-  // is ever held. Returns the number of bytes written.
+  // Writes the parameters of a DevTools Runtime.evaluate that settles
+  // `answer` in the page, in the script context `contextId` (none when 0), to
+  // `put` piece by piece, as JSON text: {"expression":
+  // "globalThis.<replyFunction>(<id>, <ok>, \"<base64>\")", "contextId": N}.
+  // The answer's UTF-8 bytes travel Base64-encoded, so no text of the host is
+  // ever parsed as script, and are encoded as they are written, so that no
+  // second copy of a big answer is ever held. Returns the number of bytes
+  // written.
   static std::size_t WriteReplyEvaluateParams(const std::string& replyFunction,
                                               const Answer& answer, std::int64_t contextId,
                                               const std::function<void(std::string_view)>& put);

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include <cairo.h>
+#include <nlohmann/json.hpp>
 
 #include "wevlin/infrastructure/base/internal/Log.h"
 #include "wevlin/infrastructure/interop/Base64.h"
@@ -72,16 +73,8 @@ std::string NewKey() {
   return key;
 }
 
-// Returns `text`, a handler's name or the key (no control characters), as a
-// JavaScript string literal.
-std::string ScriptString(const std::string& text) {
-  std::string literal = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') literal += '\\';
-    literal += c;
-  }
-  return literal + "\"";
-}
+// Returns `text` as a JavaScript string literal (a JSON string).
+std::string ScriptString(const std::string& text) { return nlohmann::json(text).dump(); }
 
 // The shim's transport in this control (webkit-transport.js), called with the
 // call handler's name and the control's key.

@@ -5,8 +5,6 @@
 
 namespace wevlin_e2e {
 
-bool EngineBuilt(Engine engine) { return engine == Engine::Chromium; }
-
 std::unique_ptr<EngineControl> StartWebKitGtk(const ControlSettings& /*settings*/) {
   ADD_FAILURE() << "this build has no WebKitGTK control (configure with WEVLIN_BUILD_WEBKITGTK=ON)";
   return nullptr;

@@ -64,8 +64,6 @@ class WebKitGtkEngineControl : public EngineControl {
 
 }  // namespace
 
-bool EngineBuilt(Engine /*engine*/) { return true; }
-
 std::unique_ptr<EngineControl> StartWebKitGtk(const ControlSettings& settings) {
   if (!GtkReady()) {
     ADD_FAILURE() << "GTK cannot open a display: run the WebKitGTK tests under xvfb-run";
