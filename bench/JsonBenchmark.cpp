@@ -2,7 +2,10 @@
 // nlohmann-json and RapidJSON, each library building and writing its own
 // document tree from the same normalized bytes.
 //
-// Names: Json/Read/<document>/<library> and Json/Write/<document>/<library>.
+// Names: Json/Read/<document>/<library> and Json/Write/<document>/<library>;
+// Json/Heap/<document>/<library> reads the document once while counting the
+// heap (support/HeapCounter) and reports the highest number of bytes held
+// during the reading, the finished tree included (counter peak_heap_bytes).
 // The bytes counted per iteration are those of the normalized input document
 // in both directions, so the rates of the three libraries compare as the
 // inverse of their times (the libraries write different layouts: wevlin puts
@@ -10,7 +13,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -20,6 +25,7 @@
 #include <nlohmann/json.hpp>
 
 #include "support/BenchDocuments.h"
+#include "support/HeapCounter.h"
 #include "wevlin/infrastructure/interop/JsonObject.h"
 #include "wevlin/infrastructure/interop/JsonValue.h"
 
@@ -27,6 +33,7 @@ namespace {
 
 using Com::Velmora::TAVO::Wevlin::Infrastructure::Interop::JsonValue;
 using wevlin_bench::BenchDocuments;
+using wevlin_bench::HeapCounter;
 
 // One document: its name in the benchmark names and how to get its text
 // (empty with `error` set when it is not available).
@@ -57,6 +64,10 @@ std::vector<Document> Documents() {
             []() -> const std::string& { return BenchDocuments::EscapedStrings(10 * 1000); });
   generated("escaped_1m",
             []() -> const std::string& { return BenchDocuments::EscapedStrings(1000 * 1000); });
+  generated("coordinates_10k",
+            []() -> const std::string& { return BenchDocuments::Coordinates(10 * 1000); });
+  generated("coordinates_1m",
+            []() -> const std::string& { return BenchDocuments::Coordinates(1000 * 1000); });
   generated("nested_100", []() -> const std::string& { return BenchDocuments::Nested(100); });
   generated("nested_1000", []() -> const std::string& { return BenchDocuments::Nested(1000); });
   return documents;
@@ -159,16 +170,58 @@ void WriteRapidJson(benchmark::State& state, const Document& document) {
   Account(state, *text);
 }
 
+// Reads the document with `read` once per iteration while counting the heap,
+// and reports the highest count of the first reading; the tree that `read`
+// builds is destroyed after the count stops.
+template <typename Read>
+void PeakHeap(benchmark::State& state, const Document& document, Read&& read) {
+  const std::string* text = Fetch(state, document);
+  if (text == nullptr) return;
+  std::size_t peak = 0;
+  for (auto _ : state) {
+    HeapCounter::Start();
+    auto tree = read(*text);
+    const std::size_t highest = HeapCounter::Stop();
+    if (peak == 0) peak = highest;
+    benchmark::DoNotOptimize(tree);
+  }
+  state.counters["peak_heap_bytes"] = static_cast<double>(peak);
+  state.counters["doc_bytes"] = static_cast<double>(text->size());
+}
+
+void HeapWevlin(benchmark::State& state, const Document& document) {
+  PeakHeap(state, document, [](const std::string& text) {
+    auto value = std::make_unique<JsonValue>();
+    value->FromJsonString(text);
+    return value;
+  });
+}
+
+void HeapNlohmann(benchmark::State& state, const Document& document) {
+  PeakHeap(state, document, [](const std::string& text) {
+    return std::make_unique<nlohmann::json>(nlohmann::json::parse(text));
+  });
+}
+
+void HeapRapidJson(benchmark::State& state, const Document& document) {
+  PeakHeap(state, document, [](const std::string& text) {
+    auto value = std::make_unique<rapidjson::Document>();
+    value->Parse(text.data(), text.size());
+    return value;
+  });
+}
+
 int RegisterAll() {
   using Runner = void (*)(benchmark::State&, const Document&);
   const struct {
     const char* library;
     Runner read;
     Runner write;
+    Runner heap;
   } libraries[] = {
-      {"wevlin", ReadWevlin, WriteWevlin},
-      {"nlohmann", ReadNlohmann, WriteNlohmann},
-      {"rapidjson", ReadRapidJson, WriteRapidJson},
+      {"wevlin", ReadWevlin, WriteWevlin, HeapWevlin},
+      {"nlohmann", ReadNlohmann, WriteNlohmann, HeapNlohmann},
+      {"rapidjson", ReadRapidJson, WriteRapidJson, HeapRapidJson},
   };
   for (const Document& document : Documents()) {
     for (const auto& library : libraries) {
@@ -180,6 +233,13 @@ int RegisterAll() {
       benchmark::RegisterBenchmark(
           ("Json/Write/" + document.name + "/" + library.library).c_str(),
           [run = library.write, document](benchmark::State& state) { run(state, document); });
+    }
+    for (const auto& library : libraries) {
+      // A handful of readings: the count is the same each time.
+      benchmark::RegisterBenchmark(
+          ("Json/Heap/" + document.name + "/" + library.library).c_str(),
+          [run = library.heap, document](benchmark::State& state) { run(state, document); })
+          ->Iterations(3);
     }
   }
   return 0;

@@ -1,5 +1,7 @@
 #include "support/BenchDocuments.h"
 
+#include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <fstream>
 #include <map>
@@ -107,6 +109,40 @@ const std::string& BenchDocuments::EscapedStrings(std::size_t bytes) {
         }
       }
       return text + "\"";
+    });
+  });
+}
+
+const std::string& BenchDocuments::Coordinates(std::size_t bytes) {
+  return Cached("coordinates:" + std::to_string(bytes), [bytes] {
+    // A fixed linear congruential sequence, so that every run reads the same
+    // numbers.
+    std::uint64_t state = 0x2545F4914F6CDD1DULL;
+    const auto next = [&state](double low, double high) {
+      state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+      const double unit = static_cast<double>(state >> 11) / 9007199254740992.0;
+      return low + (high - low) * unit;
+    };
+    // Seventeen significant digits in plain decimal notation: every value
+    // lies between 1 and 180 in magnitude, so "%.17g" never chooses an
+    // exponent and always writes a point.
+    const auto number = [](double value) {
+      char digits[40];
+      const auto result =
+          std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, 17);
+      return std::string(digits, result.ptr);
+    };
+    return Repeat(bytes, "[", "]", [&](int /*polygon*/) {
+      double longitude = next(-179.0, -1.0);
+      double latitude = next(1.0, 89.0);
+      std::string polygon = "[[";
+      for (int point = 0; point < 32; ++point) {
+        if (point != 0) polygon += ", ";
+        longitude += next(-0.01, 0.01);
+        latitude += next(-0.01, 0.01);
+        polygon += "[" + number(longitude) + ", " + number(latitude) + "]";
+      }
+      return polygon + "]]";
     });
   });
 }

@@ -38,6 +38,10 @@ class BenchDocuments {
   // EscapedStrings: an array of long strings (4 KiB each) in which about
   // one byte in twelve is written as an escape (\" \\ \/ \n \t \r).
   static const std::string& EscapedStrings(std::size_t bytes);
+  // Coordinates: an array of polygons, each an array of rings of [longitude,
+  // latitude] pairs whose doubles carry long fractions (17 significant
+  // digits, written out as plain decimals), as map data does.
+  static const std::string& Coordinates(std::size_t bytes);
 
   // Nested: objects nested `depth` deep (the outermost at depth 1), each
   // level with a few scalar properties beside its child.

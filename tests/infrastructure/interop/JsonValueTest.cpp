@@ -254,6 +254,55 @@ TEST(JsonValueTest, ClearResetsToNull) {
   EXPECT_EQ(WorkingAccessors(value), "");
 }
 
+TEST(JsonValueTest, ASetterTakesPartsOfTheValueItself) {
+  JsonValue text(std::string("a string longer than a short buffer holds"));
+  text.SetValue(text.GetAsString());
+  EXPECT_EQ(text.GetAsString(), "a string longer than a short buffer holds");
+
+  JsonValue object;
+  object.SetValue(JsonObject());
+  JsonObject inner;
+  inner.SetProperty("k", JsonValue("v"));
+  object.SetValue(inner);
+  object.SetValue(object.GetAsObject());
+  EXPECT_EQ(object.ToJsonString(), "{\"k\": \"v\"}");
+
+  JsonValue array(std::vector<JsonValue>{JsonValue("first element, long enough"), JsonValue(2)});
+  array = array.GetAsArray()[0];
+  EXPECT_EQ(array.ToJsonString(), "\"first element, long enough\"");
+  array.SetValue(std::vector<JsonValue>{JsonValue(1)});
+  array.PushBack(array);
+  EXPECT_EQ(array.ToJsonString(), "[1, [1]]");
+  array.SetValue(array.GetAsArray());
+  EXPECT_EQ(array.ToJsonString(), "[1, [1]]");
+}
+
+TEST(JsonValueTest, AClearedValueCopiesMovesAndTakesAnyKind) {
+  for (const Kind& kind : EveryKind()) {
+    SCOPED_TRACE(kind.text);
+    JsonValue value;
+    kind.set(value);
+    value.Clear();
+    JsonValue copy(value);
+    JsonValue assigned("x");
+    assigned = value;
+    JsonValue moved(std::move(value));
+    for (JsonValue* cleared : {&copy, &assigned, &moved, &value}) {
+      EXPECT_EQ(cleared->GetType(), JsonValue::Null);
+      EXPECT_EQ(cleared->ToJsonString(), "null");
+      EXPECT_EQ(WorkingAccessors(*cleared), "");
+    }
+    for (const Kind& next : EveryKind()) {
+      JsonValue again(copy);
+      next.set(again);
+      EXPECT_EQ(again.ToJsonString(), next.text);
+      EXPECT_EQ(WorkingAccessors(again), next.accessor);
+    }
+    copy.Clear();
+    EXPECT_EQ(copy.ToJsonString(), "null");
+  }
+}
+
 TEST(JsonValueTest, CopyingAnArrayIsDeep) {
   JsonValue source;
   source.PushBack(JsonValue(1));

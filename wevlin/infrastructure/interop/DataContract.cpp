@@ -240,10 +240,22 @@ void GetStrings(void* context, std::vector<std::string>& texts) {
 
 }  // namespace
 
-DataContract::DataContract() : fields_(new std::vector<FieldDescription*>()) {}
+namespace {
+
+// The room a new field list starts with: most contracts register fewer
+// fields, so that registering them takes no further allocation.
+constexpr std::size_t kFieldRoom = 8;
+
+}  // namespace
+
+DataContract::DataContract() : fields_(new std::vector<FieldDescription*>()) {
+  fields_->reserve(kFieldRoom);
+}
 
 DataContract::DataContract(const DataContract& /*other*/)
-    : fields_(new std::vector<FieldDescription*>()) {}
+    : fields_(new std::vector<FieldDescription*>()) {
+  fields_->reserve(kFieldRoom);
+}
 
 DataContract::~DataContract() {
   for (FieldDescription* field : *fields_) delete field;

@@ -2,91 +2,144 @@
 
 #include <new>
 #include <stdexcept>
-#include <type_traits>
 #include <utility>
-#include <variant>
 
 #include "wevlin/infrastructure/interop/JsonObject.h"
 #include "wevlin/infrastructure/interop/internal/JsonText.h"
 
 namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
-// The slots, in the order of the kind numbers.
-using JsonSlot = std::variant<std::monostate, int, std::string, double, bool, JsonObject,
-                              std::vector<JsonValue>>;
-
-// True if the slot of kind `kind` holds a `T`.
-template <JsonValue::ValueType kind, typename T>
-constexpr bool kSlotHolds = std::is_same_v<std::variant_alternative_t<kind, JsonSlot>, T>;
-
-static_assert(kSlotHolds<JsonValue::Integer, int> && kSlotHolds<JsonValue::String, std::string> &&
-                  kSlotHolds<JsonValue::Double, double> && kSlotHolds<JsonValue::Boolean, bool> &&
-                  kSlotHolds<JsonValue::Object, JsonObject> &&
-                  kSlotHolds<JsonValue::Array, std::vector<JsonValue>>,
-              "the slots stand in the order of the kind numbers");
-
-// The content of a value: the one slot its kind names, as a variant whose
-// alternatives stand in the order of the kind numbers (std::monostate for
-// Null), so that the alternative's index is the kind. The body is as large as
-// its largest slot (an object) plus the index, not the sum of all slots; a
-// change of kind destroys the old slot and builds the new one, so a slot of
-// another kind can never be read. Owned by exactly one JsonValue, or the
-// shared Null body that nobody changes; same threading as JsonValue.
+// The content of a value. Every body starts with its kind; what follows
+// depends on the kind, and each kind's body is allocated at its own size:
+//  - Null, Integer, Double and Boolean share ScalarBody (16 bytes on 64-bit
+//    systems), so a scalar setter changes such a body in place;
+//  - a String, Array or Object body holds the string, the vector of elements
+//    or the JsonObject after the kind (40, 32 and 64 bytes).
+// A value of one kind therefore never holds a slot of another kind. A body is
+// owned by exactly one JsonValue, except the shared Null body of moved-from
+// and cleared values, which nobody changes; same threading as JsonValue.
 struct JsonValueBody {
-  // Makes the body Null, releasing at once what the old slot held (a long
-  // string's buffer, the elements of an array, the properties of an object).
-  void Reset() { slot.emplace<JsonValue::Null>(); }
+  explicit JsonValueBody(JsonValue::ValueType kind) noexcept : type(kind) {}
 
-  // Returns the kind of the live slot.
-  JsonValue::ValueType Type() const noexcept {
-    return static_cast<JsonValue::ValueType>(slot.index());
-  }
-
-  JsonSlot slot;
+  JsonValue::ValueType type;
 };
 
 namespace {
 
-// The body of every moved-from value: Null, shared, never changed and never
-// freed (it lives in static storage that is not destroyed, so values that are
-// destroyed late at process exit can still compare against it).
+struct ScalarBody final : JsonValueBody {
+  explicit ScalarBody(JsonValue::ValueType kind) noexcept : JsonValueBody(kind) {}
+
+  union {
+    int integer;
+    double number;
+    bool boolean;
+  };
+};
+
+template <JsonValue::ValueType kKind, typename Slot>
+struct SlotBody final : JsonValueBody {
+  template <typename... Args>
+  explicit SlotBody(Args&&... args) : JsonValueBody(kKind), slot(std::forward<Args>(args)...) {}
+
+  Slot slot;
+};
+
+using StringBody = SlotBody<JsonValue::String, std::string>;
+using ObjectBody = SlotBody<JsonValue::Object, JsonObject>;
+using ArrayBody = SlotBody<JsonValue::Array, std::vector<JsonValue>>;
+
+bool IsScalar(JsonValue::ValueType type) noexcept {
+  return type != JsonValue::String && type != JsonValue::Object && type != JsonValue::Array;
+}
+
+// The body of every moved-from or cleared value: Null, shared, never changed
+// and never freed (it lives in static storage that is not destroyed, so values
+// that are destroyed late at process exit can still compare against it).
 JsonValueBody* SharedNullBody() noexcept {
-  alignas(JsonValueBody) static unsigned char storage[sizeof(JsonValueBody)];
-  static auto* const body = new (storage) JsonValueBody();
+  alignas(ScalarBody) static unsigned char storage[sizeof(ScalarBody)];
+  static auto* const body = new (storage) ScalarBody(JsonValue::Null);
   return body;
+}
+
+ScalarBody* NewScalar(JsonValue::ValueType type) { return new ScalarBody(type); }
+
+// Frees `body` as the body of its kind; the shared Null body stays.
+void DeleteBody(JsonValueBody* body) noexcept {
+  if (body == SharedNullBody()) return;
+  switch (body->type) {
+    case JsonValue::String:
+      delete static_cast<StringBody*>(body);
+      return;
+    case JsonValue::Object:
+      delete static_cast<ObjectBody*>(body);
+      return;
+    case JsonValue::Array:
+      delete static_cast<ArrayBody*>(body);
+      return;
+    default:
+      delete static_cast<ScalarBody*>(body);
+      return;
+  }
+}
+
+// Returns a new body holding a deep copy of `body`'s content.
+JsonValueBody* CopyBody(const JsonValueBody& body) {
+  switch (body.type) {
+    case JsonValue::String:
+      return new StringBody(static_cast<const StringBody&>(body).slot);
+    case JsonValue::Object:
+      return new ObjectBody(static_cast<const ObjectBody&>(body).slot);
+    case JsonValue::Array:
+      return new ArrayBody(static_cast<const ArrayBody&>(body).slot);
+    default: {
+      auto* copy = NewScalar(body.type);
+      const auto& scalar = static_cast<const ScalarBody&>(body);
+      if (body.type == JsonValue::Integer) copy->integer = scalar.integer;
+      if (body.type == JsonValue::Double) copy->number = scalar.number;
+      if (body.type == JsonValue::Boolean) copy->boolean = scalar.boolean;
+      return copy;
+    }
+  }
 }
 
 }  // namespace
 
-JsonValue::JsonValue() : body_(new JsonValueBody()) {}
+JsonValue::JsonValue() : body_(NewScalar(Null)) {}
 
-JsonValue::JsonValue(int value) : JsonValue() { SetValue(value); }
+JsonValue::JsonValue(int value) : body_(NewScalar(Integer)) {
+  static_cast<ScalarBody*>(body_)->integer = value;
+}
 
-JsonValue::JsonValue(double value) : JsonValue() { SetValue(value); }
+JsonValue::JsonValue(double value) : body_(NewScalar(Double)) {
+  static_cast<ScalarBody*>(body_)->number = value;
+}
 
-JsonValue::JsonValue(bool value) : JsonValue() { SetValue(value); }
+JsonValue::JsonValue(bool value) : body_(NewScalar(Boolean)) {
+  static_cast<ScalarBody*>(body_)->boolean = value;
+}
 
-JsonValue::JsonValue(const std::string& value) : JsonValue() { SetValue(value); }
+JsonValue::JsonValue(const std::string& value) : body_(new StringBody(value)) {}
 
-JsonValue::JsonValue(std::string&& value) : JsonValue() { SetValue(std::move(value)); }
+JsonValue::JsonValue(std::string&& value) : body_(new StringBody(std::move(value))) {}
 
-JsonValue::JsonValue(const char* value) : JsonValue() { SetValue(value); }
+JsonValue::JsonValue(const char* value)
+    : body_(new StringBody(value == nullptr ? std::string() : std::string(value))) {}
 
-JsonValue::JsonValue(const JsonObject& value) : JsonValue() { SetValue(value); }
+JsonValue::JsonValue(const JsonObject& value) : body_(new ObjectBody(value)) {}
 
-JsonValue::JsonValue(JsonObject&& value) : JsonValue() { SetValue(std::move(value)); }
+JsonValue::JsonValue(JsonObject&& value) : body_(new ObjectBody(std::move(value))) {}
 
-JsonValue::JsonValue(const std::vector<JsonValue>& value) : JsonValue() { SetValue(value); }
+JsonValue::JsonValue(const std::vector<JsonValue>& value) : body_(new ArrayBody(value)) {}
 
-JsonValue::JsonValue(std::vector<JsonValue>&& value) : JsonValue() { SetValue(std::move(value)); }
+JsonValue::JsonValue(std::vector<JsonValue>&& value) : body_(new ArrayBody(std::move(value))) {}
 
-JsonValue::JsonValue(const JsonValue& other) : body_(new JsonValueBody(*other.body_)) {}
+JsonValue::JsonValue(const JsonValue& other) : body_(CopyBody(*other.body_)) {}
 
 JsonValue& JsonValue::operator=(const JsonValue& other) {
   if (this != &other) {
     // Copy before releasing the old body: `other` may live inside it.
-    auto* copy = new JsonValueBody(*other.body_);
-    if (body_ != SharedNullBody()) delete body_;
+    JsonValueBody* copy = CopyBody(*other.body_);
+    DeleteBody(body_);
     body_ = copy;
   }
   return *this;
@@ -101,32 +154,41 @@ JsonValue& JsonValue::operator=(JsonValue&& other) noexcept {
     JsonValueBody* old = body_;
     body_ = other.body_;
     other.body_ = SharedNullBody();
-    if (old != SharedNullBody()) delete old;
+    DeleteBody(old);
   }
   return *this;
 }
 
-JsonValue::~JsonValue() {
-  if (body_ != SharedNullBody()) delete body_;
+JsonValue::~JsonValue() { DeleteBody(body_); }
+
+// The scalar setters reuse a scalar body of this value; any other body is
+// replaced (and so released at once, as Clear would).
+namespace {
+
+ScalarBody* ScalarBodyOf(JsonValueBody*& body, JsonValue::ValueType type) {
+  if (body != SharedNullBody() && IsScalar(body->type)) {
+    body->type = type;
+    return static_cast<ScalarBody*>(body);
+  }
+  ScalarBody* fresh = NewScalar(type);
+  DeleteBody(body);
+  body = fresh;
+  return fresh;
 }
 
-void JsonValue::SetValue(int value) {
-  Clear();
-  if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->slot.emplace<Integer>(value);
+// Replaces `body` with `fresh`, releasing the old one.
+void Replace(JsonValueBody*& body, JsonValueBody* fresh) noexcept {
+  DeleteBody(body);
+  body = fresh;
 }
 
-void JsonValue::SetValue(double value) {
-  Clear();
-  if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->slot.emplace<Double>(value);
-}
+}  // namespace
 
-void JsonValue::SetValue(bool value) {
-  Clear();
-  if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->slot.emplace<Boolean>(value);
-}
+void JsonValue::SetValue(int value) { ScalarBodyOf(body_, Integer)->integer = value; }
+
+void JsonValue::SetValue(double value) { ScalarBodyOf(body_, Double)->number = value; }
+
+void JsonValue::SetValue(bool value) { ScalarBodyOf(body_, Boolean)->boolean = value; }
 
 void JsonValue::SetValue(const std::string& value) {
   // Copied first: `value` may be this value's own string.
@@ -134,10 +196,13 @@ void JsonValue::SetValue(const std::string& value) {
 }
 
 void JsonValue::SetValue(std::string&& value) {
-  std::string taken(std::move(value));
-  Clear();
-  if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->slot.emplace<String>(std::move(taken));
+  if (body_->type == String) {
+    // A new string object first: `value` may be this value's own string.
+    std::string taken(std::move(value));
+    static_cast<StringBody*>(body_)->slot = std::move(taken);
+    return;
+  }
+  Replace(body_, new StringBody(std::move(value)));
 }
 
 void JsonValue::SetValue(const char* value) {
@@ -147,10 +212,9 @@ void JsonValue::SetValue(const char* value) {
 void JsonValue::SetValue(const JsonObject& value) { SetValue(JsonObject(value)); }
 
 void JsonValue::SetValue(JsonObject&& value) {
-  JsonObject taken(std::move(value));
-  Clear();
-  if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->slot.emplace<Object>(std::move(taken));
+  // The new body takes the object before the old body, which may hold it,
+  // is released.
+  Replace(body_, new ObjectBody(std::move(value)));
 }
 
 void JsonValue::SetValue(const std::vector<JsonValue>& value) {
@@ -158,10 +222,7 @@ void JsonValue::SetValue(const std::vector<JsonValue>& value) {
 }
 
 void JsonValue::SetValue(std::vector<JsonValue>&& value) {
-  std::vector<JsonValue> taken(std::move(value));
-  Clear();
-  if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-  body_->slot.emplace<Array>(std::move(taken));
+  Replace(body_, new ArrayBody(std::move(value)));
 }
 
 void JsonValue::PushBack(const JsonValue& value) {
@@ -171,50 +232,51 @@ void JsonValue::PushBack(const JsonValue& value) {
 
 void JsonValue::PushBack(JsonValue&& value) {
   JsonValue taken(std::move(value));
-  if (body_->Type() != Array) {
-    Clear();
-    if (body_ == SharedNullBody()) body_ = new JsonValueBody();
-    body_->slot.emplace<Array>();
-  }
-  std::get<Array>(body_->slot).push_back(std::move(taken));
+  if (body_->type != Array) Replace(body_, new ArrayBody());
+  static_cast<ArrayBody*>(body_)->slot.push_back(std::move(taken));
 }
 
 void JsonValue::Clear() {
-  // A moved-from value shares the Null body and has nothing to clear.
   if (body_ == SharedNullBody()) return;
-  body_->Reset();
+  if (IsScalar(body_->type)) {
+    body_->type = Null;
+    return;
+  }
+  // A string, array or object is released at once; the value then shares
+  // the Null body until a setter gives it a body of its own again.
+  Replace(body_, SharedNullBody());
 }
 
-JsonValue::ValueType JsonValue::GetType() const { return body_->Type(); }
+JsonValue::ValueType JsonValue::GetType() const { return body_->type; }
 
 int JsonValue::GetAsInt() const {
   ValidateType(Integer);
-  return *std::get_if<Integer>(&body_->slot);
+  return static_cast<const ScalarBody*>(body_)->integer;
 }
 
 double JsonValue::GetAsDouble() const {
   ValidateType(Double);
-  return *std::get_if<Double>(&body_->slot);
+  return static_cast<const ScalarBody*>(body_)->number;
 }
 
 bool JsonValue::GetAsBool() const {
   ValidateType(Boolean);
-  return *std::get_if<Boolean>(&body_->slot);
+  return static_cast<const ScalarBody*>(body_)->boolean;
 }
 
 const std::string& JsonValue::GetAsString() const {
   ValidateType(String);
-  return *std::get_if<String>(&body_->slot);
+  return static_cast<const StringBody*>(body_)->slot;
 }
 
 const JsonObject& JsonValue::GetAsObject() const {
   ValidateType(Object);
-  return *std::get_if<Object>(&body_->slot);
+  return static_cast<const ObjectBody*>(body_)->slot;
 }
 
 const std::vector<JsonValue>& JsonValue::GetAsArray() const {
   ValidateType(Array);
-  return *std::get_if<Array>(&body_->slot);
+  return static_cast<const ArrayBody*>(body_)->slot;
 }
 
 bool JsonValue::FromJsonString(const std::string& text) {
@@ -228,7 +290,7 @@ std::string JsonValue::ToJsonString() const {
 }
 
 void JsonValue::ValidateType(ValueType type) const {
-  if (body_->Type() != type) throw std::logic_error("JsonValue invalid type requested");
+  if (body_->type != type) throw std::logic_error("JsonValue invalid type requested");
 }
 
 }  // namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop

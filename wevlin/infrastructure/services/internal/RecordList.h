@@ -15,14 +15,17 @@ namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Services::internal {
 // their order. Returns whether the element was taken.
 template <typename Record>
 bool ReadRecordInto(void* context, const std::string& elementText) {
-  Record record;
+  // The record is read in its place at the end of the list, so that a record
+  // read is never copied, and removed again when it does not read.
+  auto& records = *static_cast<std::vector<Record>*>(context);
+  records.emplace_back();
   bool ok = false;
   try {
-    ok = record.FromJsonString(elementText);
+    ok = records.back().FromJsonString(elementText);
   } catch (const std::exception&) {
     ok = false;
   }
-  if (ok) static_cast<std::vector<Record>*>(context)->push_back(record);
+  if (!ok) records.pop_back();
   return ok;
 }
 
