@@ -1,5 +1,6 @@
 #include "wevlin/infrastructure/interop/DataContract.h"
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <memory>
@@ -137,6 +138,17 @@ class SubObjectField final : public Base {
   DataContract* member_;
 };
 
+// While a collection field hands the elements cut from its array to its
+// adder, one by one, how many are still to come, the one being handed over
+// included; 0 outside such a reading. The adders of the vectors of scalars
+// below read it on entry and make room for all of them at once. It belongs
+// to the calling thread; a nested collection sets it again for its own
+// elements, so it is only meaningful on entry to the adder.
+std::size_t& ElementsLeft() noexcept {
+  thread_local std::size_t left = 0;
+  return left;
+}
+
 using Adder = bool (*)(void* context, const std::string& elementText);
 using Getter = void (*)(void* context, std::vector<std::string>& elementTexts);
 
@@ -153,8 +165,14 @@ class CollectionField final : public Base {
     std::vector<std::string_view> elements;
     const bool cut = internal::ParseArrayView(raw, elements);
     std::string elementText;
-    for (std::string_view element : elements) {
-      elementText.assign(element);
+    // Back to 0 however the reading ends, an adder's exception included.
+    struct Left {
+      std::size_t& count = ElementsLeft();
+      ~Left() { count = 0; }
+    } left;
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+      elementText.assign(elements[i]);
+      left.count = elements.size() - i;
       adder_(context_, elementText);
     }
     return cut;
@@ -190,38 +208,52 @@ std::vector<T>& VectorAt(void* context) {
   return *static_cast<std::vector<T>*>(context);
 }
 
+// Returns the vector at `context` that an adder appends to, with room for the
+// elements still to come (one allocation for a short list instead of one per
+// doubling), and growing at least twofold, so that reading into the same
+// vector again and again still costs amortized constant time per element.
+template <typename T>
+std::vector<T>& GrowingVectorAt(void* context) {
+  auto& values = VectorAt<T>(context);
+  const std::size_t left = ElementsLeft();
+  if (left > 1 && values.capacity() - values.size() < left) {
+    values.reserve(std::max(values.size() + left, 2 * values.capacity()));
+  }
+  return values;
+}
+
 bool AddInt(void* context, const std::string& text) {
   int value = 0;
   internal::ReadJsonIntView(text, value);
-  VectorAt<int>(context).push_back(value);
+  GrowingVectorAt<int>(context).push_back(value);
   return true;
 }
 
 bool AddFloat(void* context, const std::string& text) {
   float value = 0.0F;
   internal::ReadJsonFloatView(text, value);
-  VectorAt<float>(context).push_back(value);
+  GrowingVectorAt<float>(context).push_back(value);
   return true;
 }
 
 bool AddDouble(void* context, const std::string& text) {
   double value = 0.0;
   internal::ReadJsonDoubleView(text, value);
-  VectorAt<double>(context).push_back(value);
+  GrowingVectorAt<double>(context).push_back(value);
   return true;
 }
 
 bool AddBool(void* context, const std::string& text) {
   bool value = false;
   internal::ReadJsonBoolView(text, value);
-  VectorAt<bool>(context).push_back(value);
+  GrowingVectorAt<bool>(context).push_back(value);
   return true;
 }
 
 bool AddString(void* context, const std::string& text) {
   std::string value;
   ReadStringOrRaw(text, value);
-  VectorAt<std::string>(context).push_back(std::move(value));
+  GrowingVectorAt<std::string>(context).push_back(std::move(value));
   return true;
 }
 
