@@ -561,3 +561,42 @@ TEST(DataContractTest, JsonValueFields) {
 }
 
 }  // namespace
+
+namespace {
+
+// An object of `count` properties named p0, p1, ... with `middle` inserted
+// after the first half; the properties "a" and "b" of IntAndString stand
+// wherever `middle` puts them.
+std::string ManyProperties(int count, const std::string& middle) {
+  std::string text = "{";
+  for (int i = 0; i < count; ++i) {
+    if (i == count / 2) text += middle + ", ";
+    text += "\"p" + std::to_string(i) + "\": " + std::to_string(i) + ", ";
+  }
+  return text + "\"last\": 0}";
+}
+
+}  // namespace
+
+TEST(DataContractTest, OfPropertiesWithTheSameNameTheLastOneIsRead) {
+  IntAndString contract;
+  EXPECT_TRUE(contract.FromJsonString("{\"a\": 1, \"b\": \"x\", \"a\": 2, \"b\": \"y\"}"));
+  EXPECT_EQ(contract.a, 2);
+  EXPECT_EQ(contract.b, "y");
+  // The same among many properties.
+  IntAndString many;
+  EXPECT_TRUE(many.FromJsonString(
+      ManyProperties(40, "\"b\": \"first\", \"a\": 7, \"zz\": 1, \"a\": 8, \"b\": \"second\"")));
+  EXPECT_EQ(many.a, 8);
+  EXPECT_EQ(many.b, "second");
+}
+
+TEST(DataContractTest, AFieldAmongManyPropertiesIsFoundAndAMissingOneKeepsItsValue) {
+  IntAndString contract;
+  contract.a = 41;
+  EXPECT_TRUE(contract.FromJsonString(ManyProperties(100, "\"b\": \"found\"")));
+  EXPECT_EQ(contract.a, 41);
+  EXPECT_EQ(contract.b, "found");
+  EXPECT_EQ(Thrown([&] { contract.FromJsonString(ManyProperties(100, "\"a\": \"5\"")); }),
+            "runtime_error: JSON data is not an integer");
+}

@@ -777,12 +777,56 @@ TEST(JsonTextTest, ParseObjectThrows) {
 TEST(JsonTextTest, ParseObjectViewMatchesParseObject) {
   const std::string text = "{\"b\": [1, 2] , \"a\": \"x\", \"b\": 3 }";
   RawMap strings;
-  std::map<std::string, std::string_view, std::less<>> views;
+  std::vector<json::RawProperty> views;
   ASSERT_TRUE(json::ParseObject(text, strings));
   ASSERT_TRUE(json::ParseObjectView(text, views));
-  ASSERT_EQ(strings.size(), views.size());
-  for (const auto& [name, raw] : strings) EXPECT_EQ(views.at(name), raw);
   EXPECT_EQ(strings, (RawMap{{"a", "\"x\""}, {"b", "3 "}}));
+  // Every property in the order of the text; the last of a name is the map's.
+  ASSERT_EQ(views.size(), 3u);
+  EXPECT_EQ(views[0].name, "b");
+  EXPECT_EQ(views[0].value, "[1, 2] ");
+  EXPECT_EQ(views[1].name, "a");
+  EXPECT_EQ(views[1].value, "\"x\"");
+  EXPECT_EQ(views[2].name, "b");
+  EXPECT_EQ(views[2].value, "3 ");
+  RawMap lastOfEachName;
+  for (const json::RawProperty& property : views) {
+    lastOfEachName[property.name] = std::string(property.value);
+  }
+  EXPECT_EQ(lastOfEachName, strings);
+}
+
+TEST(JsonTextTest, ParseObjectViewFailsAsParseObject) {
+  for (const std::string text :
+       {"{\"a\" 1}", "{,}", "{\"a\": 1,, \"b\": 2}", "{[1]: 2}", "{\"a\": [1, 2}"}) {
+    SCOPED_TRACE(text);
+    RawMap strings;
+    std::vector<json::RawProperty> views{{"kept", "x"}};
+    bool mapResult = true;
+    std::string mapLines;
+    {
+      StdoutCapture capture;
+      mapResult = json::ParseObject(text, strings);
+      mapLines = capture.Text();
+    }
+    bool viewResult = true;
+    std::string viewLines;
+    {
+      StdoutCapture capture;
+      viewResult = json::ParseObjectView(text, views);
+      viewLines = capture.Text();
+    }
+    EXPECT_EQ(viewLines, mapLines);
+    EXPECT_EQ(viewResult, mapResult);
+    EXPECT_FALSE(viewResult);
+  }
+  std::vector<json::RawProperty> views{{"kept", "x"}};
+  EXPECT_EQ(Thrown([&] { json::ParseObjectView("[1]", views); }),
+            "runtime_error: JSON data is not an object");
+  ASSERT_EQ(views.size(), 1u);
+  EXPECT_EQ(views[0].name, "kept");
+  EXPECT_EQ(Thrown([&] { json::ParseObjectView("{\"a\": 1", views); }),
+            "runtime_error: JSON data is not an object");
 }
 
 // ---------------------------------------------------------------------------

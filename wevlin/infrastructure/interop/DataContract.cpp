@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -163,6 +164,7 @@ class CollectionField final : public Base {
   // the result is that of cutting the array.
   bool ReadJson(std::string_view raw) override {
     std::vector<std::string_view> elements;
+    elements.reserve(8);  // a short list in one allocation
     const bool cut = internal::ParseArrayView(raw, elements);
     std::string elementText;
     // Back to 0 however the reading ends, an adder's exception included.
@@ -276,7 +278,7 @@ namespace {
 
 // The room a new field list starts with: most contracts register fewer
 // fields, so that registering them takes no further allocation.
-constexpr std::size_t kFieldRoom = 8;
+constexpr std::size_t kFieldRoom = 4;
 
 }  // namespace
 
@@ -315,16 +317,60 @@ std::string DataContract::ToJsonString() const {
   return json;
 }
 
+namespace {
+
+// The properties of one object, looked up by name: the last property of a
+// name counts, as when the text is cut into a map. A record's few properties
+// are searched from the back; many are sorted by name first, keeping the text
+// order among equal names.
+class PropertyLookup {
+ public:
+  explicit PropertyLookup(std::vector<internal::RawProperty>& properties)
+      : properties_(properties) {
+    if (properties_.size() > kSearchedInPlace) {
+      std::stable_sort(properties_.begin(), properties_.end(), ByName);
+    }
+  }
+
+  // Returns the raw text of the last property named `name`, or null.
+  const std::string_view* Find(const std::string& name) const {
+    if (properties_.size() <= kSearchedInPlace) {
+      for (auto it = properties_.rbegin(); it != properties_.rend(); ++it) {
+        if (it->name == name) return &it->value;
+      }
+      return nullptr;
+    }
+    const internal::RawProperty key{name, {}};
+    const auto last = std::upper_bound(properties_.begin(), properties_.end(), key, ByName);
+    if (last == properties_.begin() || std::prev(last)->name != name) return nullptr;
+    return &std::prev(last)->value;
+  }
+
+ private:
+  static constexpr std::size_t kSearchedInPlace = 16;
+
+  static bool ByName(const internal::RawProperty& a, const internal::RawProperty& b) {
+    return a.name < b.name;
+  }
+
+  std::vector<internal::RawProperty>& properties_;
+};
+
+}  // namespace
+
 bool DataContract::FromJsonString(const std::string& text) {
-  std::map<std::string, std::string_view, std::less<>> properties;
+  std::vector<internal::RawProperty> properties;
+  // Room for a record's properties in one allocation.
+  properties.reserve(fields_->size() + 2);
   // A malformed object changes nothing and still counts as read.
   if (!internal::ParseObjectView(text, properties)) return true;
+  const PropertyLookup lookup(properties);
   for (FieldDescription* field : *fields_) {
-    const auto found = properties.find(field->Name());
-    if (found == properties.end()) continue;
-    if (!field->ReadJson(found->second)) {
+    const std::string_view* raw = lookup.Find(field->Name());
+    if (raw == nullptr) continue;
+    if (!field->ReadJson(*raw)) {
       Base::internal::WriteLogLine("DataContract::FromJsonString: failed to read " + field->Name() +
-                                   " from JSON data " + std::string(found->second));
+                                   " from JSON data " + std::string(*raw));
       return false;
     }
   }

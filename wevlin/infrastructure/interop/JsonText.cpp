@@ -634,6 +634,22 @@ bool CutObject(std::string_view text, NestCursor& cursor, Sink&& sink) {
 }
 
 // ---------------------------------------------------------------------------
+// Null values without a body of their own: the state a value is left in when
+// it is moved from. A reader reads each element or property into such a value,
+// so that the value gets only the body of the kind read (a null costs
+// nothing), instead of a Null body first that a setter then replaces.
+class BodilessNulls {
+ public:
+  BodilessNulls() { JsonValue taken(std::move(spent_)); }
+
+  // Returns a Null value that holds no body of its own.
+  JsonValue Take() noexcept { return JsonValue(std::move(spent_)); }
+
+ private:
+  JsonValue spent_;  // always moved from
+};
+
+// ---------------------------------------------------------------------------
 // Reading values. One Reader serves one top-level reading: it keeps the
 // records of nested structures and, as stacks shared by all levels, the
 // element texts and properties cut but not yet read.
@@ -718,7 +734,7 @@ class Reader {
     const std::size_t top = properties_.size();
     for (std::size_t i = base; i < top; ++i) {
       if (i + 1 < top && properties_[i + 1].name == properties_[i].name) continue;
-      JsonValue value;
+      JsonValue value = nulls_.Take();
       const Slice slice = properties_[i].value;
       if (!ReadValue(slice, value, depth + 1)) return false;
       result.SetProperty(std::move(properties_[i].name), std::move(value));
@@ -737,10 +753,12 @@ class Reader {
       elements_.push_back(Slice{b, e, n});
     });
     if (!cut) return false;
-    std::vector<JsonValue> values(elements_.size() - base);
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      const Slice slice = elements_[base + i];
-      if (!ReadValue(slice, values[i], depth + 1)) return false;
+    std::vector<JsonValue> values;
+    values.reserve(elements_.size() - base);
+    for (std::size_t i = base; i < elements_.size(); ++i) {
+      values.push_back(nulls_.Take());
+      const Slice slice = elements_[i];
+      if (!ReadValue(slice, values.back(), depth + 1)) return false;
     }
     elements_.resize(base);
     out.SetValue(std::move(values));
@@ -760,6 +778,7 @@ class Reader {
   NestIndex index_;
   std::vector<Slice> elements_;
   std::vector<Property> properties_;
+  BodilessNulls nulls_;
 };
 
 // ---------------------------------------------------------------------------
@@ -931,7 +950,7 @@ class StrictReader {
     } else {
       for (;;) {
         // Read aside: the stack may move while the element reads its own.
-        JsonValue value;
+        JsonValue value = nulls_.Take();
         if (!ReadValue(value, depth + 1)) return false;
         stack_.push_back(std::move(value));
         const int separator = Separator(']');
@@ -963,7 +982,7 @@ class StrictReader {
       if (p_ == end_ || *p_ != ':') return false;
       ++p_;
       SkipBlanks();
-      JsonValue value;
+      JsonValue value = nulls_.Take();
       if (!ReadValue(value, depth + 1)) return false;
       // Of several properties with the same name the last one wins.
       out.SetProperty(std::move(name), std::move(value));
@@ -976,6 +995,7 @@ class StrictReader {
   const char* p_;
   const char* const end_;
   std::vector<JsonValue> stack_;
+  BodilessNulls nulls_;
 };
 
 }  // namespace
@@ -1150,15 +1170,15 @@ bool ParseObject(const std::string& text, std::map<std::string, std::string>& ou
                    });
 }
 
-bool ParseObjectView(std::string_view text,
-                     std::map<std::string, std::string_view, std::less<>>& out) {
+bool ParseObjectView(std::string_view text, std::vector<RawProperty>& out) {
   const std::string_view trimmed = TrimJsonTextView(text);
   if (trimmed.empty() || trimmed.front() != '{') Fail(kNotAnObject);
   out.clear();
   NestCursor cursor = ScanningCursor();
   return CutObject(
       trimmed, cursor, [&out](std::string&& name, const char* b, const char* e, std::size_t) {
-        out.insert_or_assign(std::move(name), std::string_view(b, static_cast<std::size_t>(e - b)));
+        out.push_back(
+            RawProperty{std::move(name), std::string_view(b, static_cast<std::size_t>(e - b))});
       });
 }
 
