@@ -124,6 +124,11 @@ constexpr std::array<std::uint64_t, 28> kPowersOf5 = MakePowers(5);
 constexpr std::array<std::uint64_t, 28> kPowersOf10 = MakePowers(10);
 constexpr std::uint64_t kSeventeenDigits = 100000000000000000;  // 10^17
 
+// 10^0 to 10^22: the powers of ten that doubles hold exactly.
+constexpr std::array<double, 23> kExactPowersOf10 = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                     1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                                     1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
 // "00" to "99", for writing digits two at a time.
 constexpr std::array<char, 200> MakeDigitPairs() {
   std::array<char, 200> pairs{};
@@ -189,6 +194,15 @@ char* WriteSeventeenDigits(char* out, double value) {
   // rounded down (78913 / 2^18 is log10(2) closely enough for every binary
   // exponent of a double), or one more; the loop corrects the guess.
   int decimalExponent = ((exponent + 52) * 78913) >> 18;
+  // The value lies in [2^(exponent + 52), 2^(exponent + 53)), so its decimal
+  // exponent is the guess or one more. Where the power of ten in between is
+  // exact as a double, comparing with it settles which, so that the value is
+  // scaled once. Elsewhere the loop corrects the guess, which it can only do
+  // upwards: a value just below a power of ten may round up to it.
+  if (decimalExponent >= -1 && decimalExponent < 22 &&
+      std::fabs(value) >= kExactPowersOf10[static_cast<std::size_t>(decimalExponent + 1)]) {
+    ++decimalExponent;
+  }
   std::uint64_t digits = 0;
   for (int attempt = 0;; ++attempt) {
     if (attempt == 3 || !ScaleExactly(mantissa, exponent, 16 - decimalExponent, digits)) {
