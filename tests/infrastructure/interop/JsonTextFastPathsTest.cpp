@@ -66,6 +66,24 @@ TEST(JsonTextFastPathsTest, DoublesOfEveryMagnitudeAreWrittenAsTheStreamWritesTh
   }
 }
 
+TEST(JsonTextFastPathsTest, DoublesAroundEveryPowerOfTenAreWrittenAsTheStreamWritesThem) {
+  // The decimal exponent changes at a power of ten, and a double just below
+  // one may round up to it at seventeen digits.
+  for (int exponent = -30; exponent <= 45; ++exponent) {
+    const double power = std::pow(10.0, exponent);
+    double below = power;
+    double above = power;
+    for (int step = 0; step < 40; ++step) {
+      for (const double value : {below, above, -below, -above}) {
+        SCOPED_TRACE(exponent);
+        ExpectWritesAsStream(value);
+      }
+      below = std::nextafter(below, 0.0);
+      above = std::nextafter(above, std::numeric_limits<double>::infinity());
+    }
+  }
+}
+
 TEST(JsonTextFastPathsTest, DoublesNearOneAreWrittenAsTheStreamWritesThem) {
   std::mt19937_64 random(18);
   std::uniform_real_distribution<double> unit(-1.0, 1.0);
