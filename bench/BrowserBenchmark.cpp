@@ -9,6 +9,14 @@
 //                                                floor for anything that
 //                                                crosses from the host into
 //                                                the page and back
+//   Browser/<engine>/Floor/<in|out>/<bytes>      the engine's own channel
+//                                                carrying <bytes> without the
+//                                                bridge: a script whose text
+//                                                carries them into the page
+//                                                and gives back their number
+//                                                (in), or one that makes them
+//                                                in the page and gives them
+//                                                back as its value (out)
 //   Browser/<engine>/HostToPage/<bytes>          HostControlInstance::
 //                                                InvokeWebMethod of the
 //                                                page's echo service
@@ -20,8 +28,12 @@
 //                                                or through wevlin.js
 //                                                (page.invokeMethod)
 //
-// Payloads of 100 bytes and 100 KiB. Counters: p50_us and p99_us per call;
-// items_per_second is calls per second. Host-to-page and evaluate times are
+// Payloads of 100 bytes, 100 KiB, 1 MiB and 10 MiB (the two big sizes run a
+// fixed, small number of calls). Counters: p50_us and p99_us per call;
+// items_per_second is calls per second; for the calls of 1 MiB and more,
+// peak_rss_x: how much the host's resident set grew at its peak during the
+// calls, as a multiple of the payload (the kernel's VmHWM, reset before the
+// first timed call, less the resident set then). Host-to-page and evaluate times are
 // taken on the host around each call; page-to-host times by the page
 // (performance.now) around each call, each iteration being one batch of calls
 // whose total is the iteration's (manual) time. The page's clock has coarse
@@ -52,6 +64,7 @@
 
 #include "support/BenchEngine.h"
 #include "support/EchoService.h"
+#include "support/ProcessMemory.h"
 #include "wevlin/infrastructure/base/LogSink.h"
 #include "wevlin/infrastructure/interop/BaseServiceDescriptor.h"
 #include "wevlin/infrastructure/interop/HostAPI.h"
@@ -72,6 +85,7 @@ using wevlin_bench::BenchEngine;
 using wevlin_bench::EchoService;
 using wevlin_bench::Engine;
 using wevlin_bench::EngineName;
+using wevlin_bench::ProcessMemory;
 
 constexpr std::chrono::milliseconds kWait{60000};
 constexpr std::array<Engine, 2> kEngines{Engine::Chromium, Engine::WebKitGtk};
@@ -239,6 +253,56 @@ void Evaluate(benchmark::State& state, Engine engine) {
   latencies.Report(state);
 }
 
+// Measures how far the host's resident set rises above where it is now, for
+// payloads of 1 MiB and more (smaller ones drown in the noise of pages).
+class PeakResident {
+ public:
+  explicit PeakResident(std::int64_t payload)
+      : payload_(payload),
+        before_(ProcessMemory::ResidentBytes()),
+        on_(payload >= (1 << 20) && ProcessMemory::ResetPeakResident()) {}
+
+  // Reports the rise as a multiple of the payload (counter peak_rss_x).
+  void Report(benchmark::State& state) const {
+    if (!on_) return;
+    const std::size_t peak = ProcessMemory::PeakResidentBytes();
+    const double growth = peak > before_ ? static_cast<double>(peak - before_) : 0.0;
+    state.counters["peak_rss_x"] = growth / static_cast<double>(payload_);
+  }
+
+ private:
+  std::int64_t payload_;
+  std::size_t before_;
+  bool on_;
+};
+
+void Floor(benchmark::State& state, Engine engine, bool in) {
+  Browser* browser = Ready(state, engine);
+  if (browser == nullptr) return;
+  const auto size = static_cast<std::size_t>(state.range(0));
+  const std::string script =
+      in ? "'" + std::string(size, 'x') + "'.length" : "'x'.repeat(" + std::to_string(size) + ")";
+  const auto answered = [&](const std::string& value) {
+    return in ? value == std::to_string(size) : value.size() == size;
+  };
+  if (!answered(browser->Eval(script))) {
+    state.SkipWithError("the script did not give back what it carried");
+    return;
+  }
+  Latencies latencies;
+  PeakResident peak(state.range(0));
+  for (auto _ : state) {
+    const auto start = std::chrono::steady_clock::now();
+    std::string value = browser->Control().ExecuteScript(script);
+    latencies.Add(Since(start));
+    benchmark::DoNotOptimize(value);
+  }
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * state.range(0));
+  latencies.Report(state);
+  peak.Report(state);
+}
+
 void HostToPage(benchmark::State& state, Engine engine) {
   Browser* browser = Ready(state, engine);
   if (browser == nullptr) return;
@@ -248,6 +312,7 @@ void HostToPage(benchmark::State& state, Engine engine) {
     return;
   }
   Latencies latencies;
+  PeakResident peak(state.range(0));
   for (auto _ : state) {
     const auto start = std::chrono::steady_clock::now();
     std::string answer = browser->Instance().InvokeWebMethod(&browser->PageEcho(), payload);
@@ -257,15 +322,19 @@ void HostToPage(benchmark::State& state, Engine engine) {
   state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
   state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * state.range(0));
   latencies.Report(state);
+  peak.Report(state);
 }
 
 void PageToHost(benchmark::State& state, Engine engine, const std::string& path) {
   Browser* browser = Ready(state, engine);
   if (browser == nullptr) return;
   const int size = static_cast<int>(state.range(0));
-  const int batch = Smoke() ? 5 : (size > 1000 ? 100 : 500);
+  // Calls per iteration: fewer for bigger payloads, one of 10 MiB.
+  int batch = size >= (10 << 20) ? 1 : size >= (1 << 20) ? 5 : size > 1000 ? 20 : 500;
+  if (Smoke()) batch = std::min(batch, 5);
   Latencies latencies;
   int64_t calls = 0;
+  PeakResident peak(state.range(0));
   for (auto _ : state) {
     const long served = HostEcho().Calls();
     browser->Eval("bench.start('" + path + "', " + std::to_string(batch) + ", " +
@@ -297,27 +366,55 @@ void PageToHost(benchmark::State& state, Engine engine, const std::string& path)
   state.SetItemsProcessed(calls);
   state.SetBytesProcessed(calls * size);
   latencies.Report(state);
+  peak.Report(state);
   state.counters["page_clock_us"] = browser->PageClockStepUs();
 }
 
-void Sizes(benchmark::internal::Benchmark* benchmark) { benchmark->Arg(100)->Arg(100 << 10); }
+// The payload sizes: the small ones run for the minimum time, the big ones a
+// fixed number of times (a 10 MiB call takes a good part of a second).
+constexpr std::int64_t kSmallSizes[] = {100, 100 << 10};
+constexpr std::int64_t kBigSizes[] = {1 << 20, 10 << 20};
+
+// Registers `name` once per payload size, with `apply` setting the timing.
+template <typename Run>
+void RegisterSized(const std::string& name, Run run,
+                   void (*apply)(benchmark::internal::Benchmark*)) {
+  for (const std::int64_t size : kSmallSizes) {
+    apply(benchmark::RegisterBenchmark(name.c_str(), run)->Arg(size));
+  }
+  for (const std::int64_t size : kBigSizes) {
+    const std::int64_t iterations = Smoke() ? 1 : size >= (10 << 20) ? 3 : 5;
+    apply(benchmark::RegisterBenchmark(name.c_str(), run)->Arg(size)->Iterations(iterations));
+  }
+}
+
+void RealMicroseconds(benchmark::internal::Benchmark* benchmark) {
+  benchmark->UseRealTime()->Unit(benchmark::kMicrosecond);
+}
+
+void ManualMilliseconds(benchmark::internal::Benchmark* benchmark) {
+  benchmark->UseManualTime()->Unit(benchmark::kMillisecond);
+}
 
 // Registers every benchmark of `engine`, named Browser/<engine>/...
 void RegisterEngine(Engine engine) {
   const std::string prefix = std::string("Browser/") + EngineName(engine) + "/";
-  benchmark::RegisterBenchmark((prefix + "Evaluate").c_str(), Evaluate, engine)
-      ->UseRealTime()
-      ->Unit(benchmark::kMicrosecond);
-  benchmark::RegisterBenchmark((prefix + "HostToPage").c_str(), HostToPage, engine)
-      ->Apply(Sizes)
-      ->UseRealTime()
-      ->Unit(benchmark::kMicrosecond);
+  RealMicroseconds(benchmark::RegisterBenchmark((prefix + "Evaluate").c_str(), Evaluate, engine));
+  for (const bool in : {true, false}) {
+    RegisterSized(
+        prefix + "Floor/" + (in ? "in" : "out"),
+        [engine, in](benchmark::State& state) { Floor(state, engine, in); }, RealMicroseconds);
+  }
+  RegisterSized(
+      prefix + "HostToPage", [engine](benchmark::State& state) { HostToPage(state, engine); },
+      RealMicroseconds);
   for (const char* path : {"bridge", "library"}) {
-    benchmark::RegisterBenchmark((prefix + "PageToHost/" + path).c_str(), PageToHost, engine,
-                                 std::string(path))
-        ->Apply(Sizes)
-        ->UseManualTime()
-        ->Unit(benchmark::kMillisecond);
+    RegisterSized(
+        prefix + "PageToHost/" + path,
+        [engine, path = std::string(path)](benchmark::State& state) {
+          PageToHost(state, engine, path);
+        },
+        ManualMilliseconds);
   }
 }
 

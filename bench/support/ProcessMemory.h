@@ -17,6 +17,14 @@ class ProcessMemory {
   // Returns the bytes of heap blocks in use (glibc's mallinfo2), which unlike
   // the resident size does not hide allocations that reuse freed memory.
   static std::size_t HeapInUseBytes();
+
+  // Makes the kernel count the peak resident set anew from now on (writes 5
+  // to /proc/self/clear_refs). Returns false when it cannot.
+  static bool ResetPeakResident();
+
+  // Returns the peak resident set since the last reset, or since the process
+  // started (VmHWM of /proc/self/status), in bytes; 0 when unknown.
+  static std::size_t PeakResidentBytes();
 };
 
 }  // namespace wevlin_bench

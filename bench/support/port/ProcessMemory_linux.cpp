@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <string>
 
 #include "support/ProcessMemory.h"
 
@@ -18,6 +19,24 @@ std::size_t ProcessMemory::ResidentBytes() {
 std::size_t ProcessMemory::HeapInUseBytes() {
   const struct mallinfo2 info = mallinfo2();
   return info.uordblks + info.hblkhd;
+}
+
+bool ProcessMemory::ResetPeakResident() {
+  std::ofstream clear("/proc/self/clear_refs");
+  clear << "5";
+  clear.flush();
+  return static_cast<bool>(clear);
+}
+
+std::size_t ProcessMemory::PeakResidentBytes() {
+  std::ifstream status("/proc/self/status");
+  const std::string field = "VmHWM:";
+  for (std::string line; std::getline(status, line);) {
+    if (line.compare(0, field.size(), field) == 0) {
+      return static_cast<std::size_t>(std::stoull(line.substr(field.size()))) * 1024;
+    }
+  }
+  return 0;
 }
 
 }  // namespace wevlin_bench

@@ -11,8 +11,9 @@ namespace Com::Velmora::TAVO::Wevlin::Infrastructure::Interop {
 
 // The content of a value. Every body starts with its kind; what follows
 // depends on the kind, and each kind's body is allocated at its own size:
-//  - Null, Integer, Double and Boolean share ScalarBody (16 bytes on 64-bit
-//    systems), so a scalar setter changes such a body in place;
+//  - Null, Integer, Double and Boolean share ScalarBody (24 bytes on 64-bit
+//    systems, the smallest block glibc hands out), so a scalar setter
+//    changes such a body in place;
 //  - a String, Array or Object body holds the string, the vector of elements
 //    or the JsonObject after the kind (40, 32 and 64 bytes).
 // A value of one kind therefore never holds a slot of another kind. A body is
@@ -26,20 +27,20 @@ struct JsonValueBody {
 
 namespace {
 
+// The body of the four scalar kinds. Its three slots fit in the same block
+// as one would; the one the kind names is meaningful.
 struct ScalarBody final : JsonValueBody {
   explicit ScalarBody(JsonValue::ValueType kind) noexcept : JsonValueBody(kind) {}
 
-  union {
-    int integer;
-    double number;
-    bool boolean;
-  };
+  int integer = 0;
+  bool boolean = false;
+  double number = 0.0;
 };
 
 template <JsonValue::ValueType kKind, typename Slot>
 struct SlotBody final : JsonValueBody {
-  template <typename... Args>
-  explicit SlotBody(Args&&... args) : JsonValueBody(kKind), slot(std::forward<Args>(args)...) {}
+  SlotBody() : JsonValueBody(kKind) {}
+  explicit SlotBody(Slot value) : JsonValueBody(kKind), slot(std::move(value)) {}
 
   Slot slot;
 };
@@ -47,6 +48,20 @@ struct SlotBody final : JsonValueBody {
 using StringBody = SlotBody<JsonValue::String, std::string>;
 using ObjectBody = SlotBody<JsonValue::Object, JsonObject>;
 using ArrayBody = SlotBody<JsonValue::Array, std::vector<JsonValue>>;
+
+// Returns `body` as the body of its kind. REQUIRES: `Body` is the type that
+// `body->type` names, as every caller checks first.
+template <typename Body>
+Body& As(JsonValueBody* body) noexcept {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-static-cast-downcast): the kind names the type
+  return *static_cast<Body*>(body);
+}
+
+template <typename Body>
+const Body& As(const JsonValueBody* body) noexcept {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-static-cast-downcast): the kind names the type
+  return *static_cast<const Body*>(body);
+}
 
 bool IsScalar(JsonValue::ValueType type) noexcept {
   return type != JsonValue::String && type != JsonValue::Object && type != JsonValue::Array;
@@ -68,16 +83,16 @@ void DeleteBody(JsonValueBody* body) noexcept {
   if (body == SharedNullBody()) return;
   switch (body->type) {
     case JsonValue::String:
-      delete static_cast<StringBody*>(body);
+      delete &As<StringBody>(body);
       return;
     case JsonValue::Object:
-      delete static_cast<ObjectBody*>(body);
+      delete &As<ObjectBody>(body);
       return;
     case JsonValue::Array:
-      delete static_cast<ArrayBody*>(body);
+      delete &As<ArrayBody>(body);
       return;
     default:
-      delete static_cast<ScalarBody*>(body);
+      delete &As<ScalarBody>(body);
       return;
   }
 }
@@ -86,19 +101,13 @@ void DeleteBody(JsonValueBody* body) noexcept {
 JsonValueBody* CopyBody(const JsonValueBody& body) {
   switch (body.type) {
     case JsonValue::String:
-      return new StringBody(static_cast<const StringBody&>(body).slot);
+      return new StringBody(As<StringBody>(&body).slot);
     case JsonValue::Object:
-      return new ObjectBody(static_cast<const ObjectBody&>(body).slot);
+      return new ObjectBody(As<ObjectBody>(&body).slot);
     case JsonValue::Array:
-      return new ArrayBody(static_cast<const ArrayBody&>(body).slot);
-    default: {
-      auto* copy = NewScalar(body.type);
-      const auto& scalar = static_cast<const ScalarBody&>(body);
-      if (body.type == JsonValue::Integer) copy->integer = scalar.integer;
-      if (body.type == JsonValue::Double) copy->number = scalar.number;
-      if (body.type == JsonValue::Boolean) copy->boolean = scalar.boolean;
-      return copy;
-    }
+      return new ArrayBody(As<ArrayBody>(&body).slot);
+    default:
+      return new ScalarBody(As<ScalarBody>(&body));
   }
 }
 
@@ -107,15 +116,15 @@ JsonValueBody* CopyBody(const JsonValueBody& body) {
 JsonValue::JsonValue() : body_(NewScalar(Null)) {}
 
 JsonValue::JsonValue(int value) : body_(NewScalar(Integer)) {
-  static_cast<ScalarBody*>(body_)->integer = value;
+  As<ScalarBody>(body_).integer = value;
 }
 
 JsonValue::JsonValue(double value) : body_(NewScalar(Double)) {
-  static_cast<ScalarBody*>(body_)->number = value;
+  As<ScalarBody>(body_).number = value;
 }
 
 JsonValue::JsonValue(bool value) : body_(NewScalar(Boolean)) {
-  static_cast<ScalarBody*>(body_)->boolean = value;
+  As<ScalarBody>(body_).boolean = value;
 }
 
 JsonValue::JsonValue(const std::string& value) : body_(new StringBody(value)) {}
@@ -168,7 +177,7 @@ namespace {
 ScalarBody* ScalarBodyOf(JsonValueBody*& body, JsonValue::ValueType type) {
   if (body != SharedNullBody() && IsScalar(body->type)) {
     body->type = type;
-    return static_cast<ScalarBody*>(body);
+    return &As<ScalarBody>(body);
   }
   ScalarBody* fresh = NewScalar(type);
   DeleteBody(body);
@@ -199,7 +208,7 @@ void JsonValue::SetValue(std::string&& value) {
   if (body_->type == String) {
     // A new string object first: `value` may be this value's own string.
     std::string taken(std::move(value));
-    static_cast<StringBody*>(body_)->slot = std::move(taken);
+    As<StringBody>(body_).slot = std::move(taken);
     return;
   }
   Replace(body_, new StringBody(std::move(value)));
@@ -233,7 +242,7 @@ void JsonValue::PushBack(const JsonValue& value) {
 void JsonValue::PushBack(JsonValue&& value) {
   JsonValue taken(std::move(value));
   if (body_->type != Array) Replace(body_, new ArrayBody());
-  static_cast<ArrayBody*>(body_)->slot.push_back(std::move(taken));
+  As<ArrayBody>(body_).slot.push_back(std::move(taken));
 }
 
 void JsonValue::Clear() {
@@ -251,32 +260,32 @@ JsonValue::ValueType JsonValue::GetType() const { return body_->type; }
 
 int JsonValue::GetAsInt() const {
   ValidateType(Integer);
-  return static_cast<const ScalarBody*>(body_)->integer;
+  return As<ScalarBody>(body_).integer;
 }
 
 double JsonValue::GetAsDouble() const {
   ValidateType(Double);
-  return static_cast<const ScalarBody*>(body_)->number;
+  return As<ScalarBody>(body_).number;
 }
 
 bool JsonValue::GetAsBool() const {
   ValidateType(Boolean);
-  return static_cast<const ScalarBody*>(body_)->boolean;
+  return As<ScalarBody>(body_).boolean;
 }
 
 const std::string& JsonValue::GetAsString() const {
   ValidateType(String);
-  return static_cast<const StringBody*>(body_)->slot;
+  return As<StringBody>(body_).slot;
 }
 
 const JsonObject& JsonValue::GetAsObject() const {
   ValidateType(Object);
-  return static_cast<const ObjectBody*>(body_)->slot;
+  return As<ObjectBody>(body_).slot;
 }
 
 const std::vector<JsonValue>& JsonValue::GetAsArray() const {
   ValidateType(Array);
-  return static_cast<const ArrayBody*>(body_)->slot;
+  return As<ArrayBody>(body_).slot;
 }
 
 bool JsonValue::FromJsonString(const std::string& text) {

@@ -17,7 +17,7 @@ class BodilessNulls {
   BodilessNulls() { JsonValue taken(std::move(spent_)); }
 
   // Returns a Null value that holds no body of its own.
-  JsonValue Take() noexcept { return JsonValue(std::move(spent_)); }
+  JsonValue Take() noexcept { return {std::move(spent_)}; }
 
  private:
   JsonValue spent_;  // always moved from

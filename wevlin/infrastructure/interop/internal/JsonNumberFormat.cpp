@@ -113,9 +113,10 @@ char* WriteSeventeenDigits(char* out, double value) {
   // exact as a double, comparing with it settles which, so that the value is
   // scaled once. Elsewhere the loop corrects the guess, which it can only do
   // upwards: a value just below a power of ten may round up to it.
-  if (decimalExponent >= -1 && decimalExponent < 22 &&
-      std::fabs(value) >= kExactPowersOf10[static_cast<std::size_t>(decimalExponent + 1)]) {
-    ++decimalExponent;
+  const int nextExponent = decimalExponent + 1;
+  if (nextExponent >= 0 && nextExponent <= 22 &&
+      std::fabs(value) >= kExactPowersOf10[static_cast<std::size_t>(nextExponent)]) {
+    decimalExponent = nextExponent;
   }
   std::uint64_t digits = 0;
   for (int attempt = 0;; ++attempt) {
