@@ -33,7 +33,8 @@
 // items_per_second is calls per second; for the calls of 1 MiB and more,
 // peak_rss_x: how much the host's resident set grew at its peak during the
 // calls, as a multiple of the payload (the kernel's VmHWM, reset before the
-// first timed call, less the resident set then). Host-to-page and evaluate times are
+// first timed call, less the resident set then, with the heap's free memory
+// returned to the system first). Host-to-page and evaluate times are
 // taken on the host around each call; page-to-host times by the page
 // (performance.now) around each call, each iteration being one batch of calls
 // whose total is the iteration's (manual) time. The page's clock has coarse
@@ -257,10 +258,13 @@ void Evaluate(benchmark::State& state, Engine engine) {
 // payloads of 1 MiB and more (smaller ones drown in the noise of pages).
 class PeakResident {
  public:
-  explicit PeakResident(std::int64_t payload)
-      : payload_(payload),
-        before_(ProcessMemory::ResidentBytes()),
-        on_(payload >= (1 << 20) && ProcessMemory::ResetPeakResident()) {}
+  explicit PeakResident(std::int64_t payload) : payload_(payload) {
+    if (payload < (1 << 20)) return;
+    // What earlier benchmarks freed would otherwise hide what this one needs.
+    ProcessMemory::ReleaseFreeHeap();
+    before_ = ProcessMemory::ResidentBytes();
+    on_ = ProcessMemory::ResetPeakResident();
+  }
 
   // Reports the rise as a multiple of the payload (counter peak_rss_x).
   void Report(benchmark::State& state) const {
@@ -272,8 +276,8 @@ class PeakResident {
 
  private:
   std::int64_t payload_;
-  std::size_t before_;
-  bool on_;
+  std::size_t before_ = 0;
+  bool on_ = false;
 };
 
 void Floor(benchmark::State& state, Engine engine, bool in) {

@@ -395,6 +395,118 @@ def browser_table(results):
     return table
 
 
+BIG_SIZES = [(100 << 10, "100 KiB"), (1 << 20, "1 MiB"), (10 << 20, "10 MiB")]
+
+
+def big_call_rows(results, engine):
+    """Per payload size: the engine's channel and wevlin's calls, in seconds per call, with ratios.
+
+    Every wevlin call measured is an echo, carrying the payload into the page
+    and out again (or out and back in), so its floor is the channel carrying
+    it in (Floor/in) plus carrying it out (Floor/out)."""
+    rows = []
+    for size, label in BIG_SIZES:
+        def mean(entry):
+            row = browser_row(results, engine, f"{entry}/{size}")
+            return None if row is None else row["mean"]
+
+        floor_in, floor_out = mean("Floor/in"), mean("Floor/out")
+        floor = None if floor_in is None or floor_out is None else floor_in + floor_out
+        calls = {
+            "host to page": mean("HostToPage"),
+            "page to host, bridge": mean("PageToHost/bridge"),
+            "page to host, wevlin.js": mean("PageToHost/library"),
+        }
+        peaks = {
+            "host to page": results.median(f"Browser/{engine}/HostToPage/{size}", "peak_rss_x"),
+            "page to host, bridge": results.median(f"Browser/{engine}/PageToHost/bridge/{size}", "peak_rss_x"),
+            "page to host, wevlin.js": results.median(f"Browser/{engine}/PageToHost/library/{size}", "peak_rss_x"),
+        }
+        rows.append((size, label, floor_in, floor_out, floor, calls, peaks))
+    return rows
+
+
+def big_call_table(results):
+    table = []
+    for engine in browser_engines(results):
+        rows = [row for row in big_call_rows(results, engine) if row[4] is not None]
+        if not rows:
+            continue
+        if table:
+            table.append("")
+        table.append(f"{engine}: ms per call, and each call over the channel's floor (in + out)")
+        table.append("")
+        table.append(
+            "| Payload | floor in | floor out | floor in + out | host to page | / floor | "
+            "page to host, bridge | / floor | page to host, wevlin.js | / floor | "
+            "host peak RSS growth / payload (h->p, p->h bridge, p->h wevlin.js) |"
+        )
+        table.append("|---|---:|---:|---:|---:|---:|---:|---:|---:|---:|---|")
+        for size, label, floor_in, floor_out, floor, calls, peaks in rows:
+            cells = []
+            for key in ("host to page", "page to host, bridge", "page to host, wevlin.js"):
+                value = calls[key]
+                cells.append(fmt(None if value is None else value * 1e3, 2))
+                cells.append(fmt(ratio(value, floor), 2))
+            peak_text = ", ".join(fmt(peaks[key], 2) for key in peaks) if size >= (1 << 20) else "-"
+            table.append(
+                f"| {label} | {fmt(floor_in * 1e3, 2)} | {fmt(floor_out * 1e3, 2)} | {fmt(floor * 1e3, 2)} | "
+                f"{' | '.join(cells)} | {peak_text} |"
+            )
+    return table
+
+
+def big_call_goal_lines(results):
+    """Per engine: the worst big call over its floor, the worst peak, and the small calls' p50s."""
+    lines = []
+    for engine in browser_engines(results):
+        worst = None
+        worst_peak = None
+        for size, label, _, _, floor, calls, peaks in big_call_rows(results, engine):
+            for key, value in calls.items():
+                over = ratio(value, floor)
+                if over is not None and (worst is None or over > worst[0]):
+                    worst = (over, f"{key}, {label}")
+                peak = peaks[key]
+                if size >= (1 << 20) and peak is not None and (worst_peak is None or peak > worst_peak[0]):
+                    worst_peak = (peak, f"{key}, {label}")
+        if worst is not None:
+            lines.append(
+                f"- Big calls <= 1.5x the engine's own channel for the same bytes ({engine}, 100 KiB to "
+                f"10 MiB, both directions): worst {fmt(worst[0], 2)}x ({worst[1]}): {verdict(worst[0] <= 1.5)}."
+            )
+        if worst_peak is not None:
+            lines.append(
+                f"- Host's peak resident set during a call < 3x the payload ({engine}, 1 MiB and 10 MiB): "
+                f"worst {fmt(worst_peak[0], 2)}x ({worst_peak[1]}): {verdict(worst_peak[0] < 3.0)}."
+            )
+        evaluate = browser_row(results, engine, "Evaluate")
+        host_to_page = browser_row(results, engine, "HostToPage/100")
+        bridge = browser_row(results, engine, "PageToHost/bridge/100")
+        if evaluate and host_to_page and bridge and evaluate["p50"]:
+            parts = [f"host to page {fmt(ratio(host_to_page['p50'], evaluate['p50']), 2)}x"]
+            ratios = [ratio(host_to_page["p50"], evaluate["p50"])]
+            if bridge["p50"] is None and bridge["below_clock"]:
+                parts.append(
+                    f"page to host below the page clock's {fmt(page_clock_us(results, engine), 0)} us step "
+                    f"(mean {fmt(ratio(bridge['mean'], evaluate['mean']), 2)}x)"
+                )
+                ratios.append(ratio(bridge["mean"], evaluate["mean"]))
+            else:
+                parts.append(f"page to host {fmt(ratio(bridge['p50'], evaluate['p50']), 2)}x")
+                ratios.append(ratio(bridge["p50"], evaluate["p50"]))
+            ok = all(value is not None and value <= 1.2 for value in ratios)
+            lines.append(
+                f"- Small calls (100 B) <= 1.2x a bare evaluate round trip, p50 ({engine}): "
+                f"{', '.join(parts)}: {verdict(ok)}."
+            )
+    return lines
+
+
+def verdict(ok):
+    return "met" if ok else "NOT met"
+
+
 def browser_floor_lines(results):
     """Per engine: how a page-to-host call (100 B, bridge) compares with that engine's evaluate floor."""
     lines = []
@@ -521,6 +633,7 @@ def goals(results):
             f"- Dispatch < 1 us per call with 10,000 services: {fmt(many * 1e9, 0)} ns: "
             f"{verdict(many < 1e-6)}."
         )
+    lines.extend(big_call_goal_lines(results))
     for engine, by_mean, median_text, worst in browser_floor_lines(results):
         lines.append(
             f"- Page to host <= 2x a bare evaluate ({engine}, 100 B, bridge): mean {fmt(by_mean, 2)}x, "
@@ -555,6 +668,7 @@ def markdown(results):
         ("Dispatch (library cost per call)", dispatch_table(results)),
         ("Many host control instances", scale_table(results)),
         ("Through the browser (ChromiumWebControl and WebKitGtkWebControl)", browser_table(results)),
+        ("Big payloads through the browser, against the engine's own channel", big_call_table(results)),
         ("Runs", context_lines(results)),
     ]
     out = []

@@ -18,6 +18,11 @@ class ProcessMemory {
   // the resident size does not hide allocations that reuse freed memory.
   static std::size_t HeapInUseBytes();
 
+  // Returns the heap's free memory to the system where it can (glibc's
+  // malloc_trim), so that a later rise of the resident set shows memory
+  // that is needed rather than a heap that had room left.
+  static void ReleaseFreeHeap();
+
   // Makes the kernel count the peak resident set anew from now on (writes 5
   // to /proc/self/clear_refs). Returns false when it cannot.
   static bool ResetPeakResident();

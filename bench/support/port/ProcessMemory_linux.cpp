@@ -21,6 +21,8 @@ std::size_t ProcessMemory::HeapInUseBytes() {
   return info.uordblks + info.hblkhd;
 }
 
+void ProcessMemory::ReleaseFreeHeap() { malloc_trim(0); }
+
 bool ProcessMemory::ResetPeakResident() {
   std::ofstream clear("/proc/self/clear_refs");
   clear << "5";
