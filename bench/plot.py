@@ -527,6 +527,20 @@ def browser_floor_lines(results):
     return lines
 
 
+def slowest_against_nlohmann(results, group, subjects):
+    """Per operation (Read, Write): the lowest rate ratio of wevlin to nlohmann-json, and its subject."""
+    slowest = {}
+    for subject in subjects:
+        for operation in ("Read", "Write"):
+            value = ratio(
+                results.median(f"{group}/{operation}/{subject}/wevlin", "bytes_per_second"),
+                results.median(f"{group}/{operation}/{subject}/nlohmann", "bytes_per_second"),
+            )
+            if value is not None and (operation not in slowest or value < slowest[operation][0]):
+                slowest[operation] = (value, subject)
+    return slowest
+
+
 def goals(results):
     lines = []
 
@@ -534,15 +548,7 @@ def goals(results):
         return "met" if ok else "NOT met"
 
     # 1. Every document, read and written, at least twice as fast as nlohmann-json.
-    slowest = {}
-    for document in CORPUS + GENERATED:
-        for direction in ("Read", "Write"):
-            value = ratio(
-                results.median(f"Json/{direction}/{document}/wevlin", "bytes_per_second"),
-                results.median(f"Json/{direction}/{document}/nlohmann", "bytes_per_second"),
-            )
-            if value is not None and (direction not in slowest or value < slowest[direction][0]):
-                slowest[direction] = (value, document)
+    slowest = slowest_against_nlohmann(results, "Json", CORPUS + GENERATED)
     if "Read" in slowest and "Write" in slowest:
         read, write = slowest["Read"], slowest["Write"]
         lines.append(
@@ -580,15 +586,7 @@ def goals(results):
             f"({worst[1]}), {within} of {len(heap)} documents within: {verdict(worst[0] <= 1.0)}."
         )
     # 4. Data contracts against nlohmann-json's typed from_json and to_json.
-    contract = {}
-    for operation in ("Read", "Write"):
-        for message in ("refresh_10000", "session_1000"):
-            value = ratio(
-                results.median(f"Contract/{operation}/{message}/wevlin", "bytes_per_second"),
-                results.median(f"Contract/{operation}/{message}/nlohmann", "bytes_per_second"),
-            )
-            if value is not None and (operation not in contract or value < contract[operation][0]):
-                contract[operation] = (value, message)
+    contract = slowest_against_nlohmann(results, "Contract", ["refresh_10000", "session_1000"])
     if "Read" in contract:
         read = contract["Read"]
         lines.append(
