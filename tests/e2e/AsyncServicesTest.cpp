@@ -72,7 +72,16 @@ class WorkerThreads {
         workerIds_.push_back(std::this_thread::get_id());
       }
       work();
+      std::lock_guard<std::mutex> inner(mutex_);
+      ++finished_;
     });
+    ++started_;
+  }
+
+  // Returns true when every worker started so far has done its work.
+  bool AllFinished() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return finished_ == started_;
   }
 
   // Waits for every worker started so far.
@@ -95,6 +104,8 @@ class WorkerThreads {
   std::mutex mutex_;
   std::vector<std::thread> threads_;
   std::vector<std::thread::id> workerIds_;
+  std::size_t started_ = 0;
+  std::size_t finished_ = 0;
 };
 
 // What one relayed request carried, and on which thread the handler got it.
@@ -316,6 +327,9 @@ TEST_F(AsyncServicesTest, ACacheIdMadeToBreakOutOfTheReplyStaysData) {
 
   soa_.Plan("\"{\"a\": 1}\"");
   ASSERT_EQ(Raise(kSoaFqn, request), Resolved(nullptr));
+  // The worker's reply runs a script in the page, which an engine that runs
+  // scripts on the application's thread starts only while that thread pumps.
+  EXPECT_TRUE(control_->RunUntil([&] { return soa_.workers.AllFinished(); }, kWait));
   soa_.workers.JoinAll();
   control_->RunUntil([] { return false; }, std::chrono::milliseconds(300));
   EXPECT_EQ(Eval("String(window.injected)"), "undefined");

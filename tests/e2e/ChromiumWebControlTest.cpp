@@ -698,9 +698,9 @@ TEST_F(ChromiumWebControlTest, ProtocolTraceShowsEveryMessage) {
   }
   EXPECT_EQ(value, "42");
   const std::regex trace(
-      "devtools >> \\{\"id\":[0-9]+,\"method\":\"Runtime.evaluate\",\"params\":\\{"
-      "\"expression\":\"6 \\* 7\",\"objectGroup\":\"wevlin-script\",\"returnByValue\":true,"
-      "\"awaitPromise\":false,\"contextId\":[0-9]+\\},\"sessionId\":\"[0-9A-F]+\"\\}\n"
+      "devtools >> \\{\"id\":[0-9]+,\"method\":\"Runtime.evaluate\",\"sessionId\":\"[0-9A-F]+\","
+      "\"params\":\\{\"expression\":\"6 \\* 7\",\"objectGroup\":\"wevlin-script\","
+      "\"returnByValue\":true,\"awaitPromise\":false,\"contextId\":[0-9]+\\}\\}\n"
       "devtools << \\{\"id\":[0-9]+,\"result\":\\{\"result\":\\{\"type\":\"number\","
       "\"value\":42,\"description\":\"42\"\\}\\},\"sessionId\":\"[0-9A-F]+\"\\}\n");
   EXPECT_TRUE(std::regex_match(log, trace)) << log;

@@ -306,6 +306,40 @@ TEST_F(DevToolsConnectionTest, PostRawParamsWritesTheParamsAsGiven) {
                             std::string(1, '\0'));
 }
 
+TEST_F(DevToolsConnectionTest, CallStreamedParamsWritesThePiecesAndWaitsForTheAnswer) {
+  Connect();
+  const std::string first = R"({"expression":)";
+  const std::string second = R"("2+3"})";
+  const auto writeParams = [&](const std::function<void(std::string_view)>& put) {
+    put(first);
+    put(second);
+  };
+  std::thread browser([this] {
+    Written(1);
+    BrowserSends(R"({"id":1,"result":{"value":5}})");
+  });
+  const Json result = connection_->CallStreamedParams(
+      "Runtime.evaluate", first.size() + second.size(), writeParams, "s1", 5s);
+  browser.join();
+  EXPECT_EQ(result.value("value", 0), 5);
+  EXPECT_EQ(Written(1), std::string(R"({"id":1,"method":"Runtime.evaluate","sessionId":"s1",)"
+                                    R"("params":{"expression":"2+3"}})") +
+                            std::string(1, '\0'));
+
+  // Over the outgoing limit nothing is written, and the call fails at once.
+  connection_->SetMessageLimits(1 << 20, 40);
+  try {
+    connection_->CallStreamedParams("Runtime.evaluate", first.size() + second.size(), writeParams,
+                                    "s1", 5s);
+    ADD_FAILURE() << "the command was sent";
+  } catch (const ChromiumError& error) {
+    EXPECT_EQ(error.kind(), ChromiumError::Kind::ProtocolError);
+    EXPECT_STREQ(error.what(),
+                 "The command Runtime.evaluate takes 84 bytes, more than the limit of 40");
+  }
+  EXPECT_EQ(Written(1).size(), 84U);
+}
+
 TEST_F(DevToolsConnectionTest, EveryCallFailsAtOnceWhenThePipeEnds) {
   Connect();
   std::thread browser([this] {

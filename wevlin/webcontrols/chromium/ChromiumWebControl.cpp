@@ -18,6 +18,7 @@
 #include "wevlin/webcontrols/chromium/ChromiumError.h"
 #include "wevlin/webcontrols/chromium/internal/ChromiumProcess.h"
 #include "wevlin/webcontrols/chromium/internal/DevToolsConnection.h"
+#include "wevlin/webcontrols/chromium/internal/EvaluateParams.h"
 #include "wevlin/webcontrols/chromium/internal/EvaluateReply.h"
 #include "wevlin/webcontrols/chromium/internal/EventQueue.h"
 #include "wevlin/webcontrols/chromium/internal/PageEvent.h"
@@ -169,7 +170,7 @@ class ChromiumWebControl::Impl {
   ~Impl();
 
   void Navigate(const std::string& target);
-  std::string ExecuteScript(const std::string& script);
+  std::string ExecuteScript(std::string script);
   void AddLoadObserver(ILoadObserver* observer);
   void RemoveLoadObserver(ILoadObserver* observer);
   std::size_t PumpEvents();
@@ -734,7 +735,7 @@ void ChromiumWebControl::Impl::ReleaseScriptObjects() {
   }
 }
 
-std::string ChromiumWebControl::Impl::ExecuteScript(const std::string& script) {
+std::string ChromiumWebControl::Impl::ExecuteScript(std::string script) {
   // A crashed page answers nothing until it is loaded again.
   if (PageCrashed()) throw ScriptException(kCrashedText, std::string());
   if (script.size() > bridge_.GetMaxCallBytes()) {
@@ -755,17 +756,20 @@ std::string ChromiumWebControl::Impl::ExecuteScript(const std::string& script) {
       throw ScriptException(refusal, "The script was not run in " + top.url + ".");
     }
   }
-  const std::string source = WebControls::internal::ToValidUtf8(script);
-  Json params = {{"expression", source},
-                 {"objectGroup", kObjectGroup},
-                 {"returnByValue", true},
-                 {"awaitPromise", false}};
-  if (contextId != 0) params["contextId"] = contextId;
+  // Valid text, the usual case, is sent as it is, without a copy.
+  if (!WebControls::internal::IsValidUtf8(script)) {
+    script = WebControls::internal::ToValidUtf8(script);
+  }
+  const std::string& source = script;
   Json reply;
   try {
-    // The browser copies the value into its answer as JSON.
-    reply = connection_->Call("Runtime.evaluate", std::move(params), sessionId_,
-                              options_.commandTimeout);
+    // The script is escaped straight into the pipe; the browser copies the
+    // value into its answer as JSON.
+    const internal::EvaluateParams params(source, kObjectGroup, contextId);
+    reply = connection_->CallStreamedParams(
+        "Runtime.evaluate", params.Size(),
+        [&params](const std::function<void(std::string_view)>& put) { params.Write(put); },
+        sessionId_, options_.commandTimeout);
   } catch (const ChromiumError& error) {
     if (error.kind() == ChromiumError::Kind::ProtocolError &&
         internal::IsUncopyableValueError(error.what())) {
@@ -786,7 +790,7 @@ std::string ChromiumWebControl::Impl::ExecuteScript(const std::string& script) {
   }
   const auto result = reply.find("result");
   std::string text;
-  if (result != reply.end() && !internal::ReadResultText(*result, &text)) {
+  if (result != reply.end() && !internal::ReadResultText(std::move(*result), &text)) {
     // A handle instead of a copy: nothing to read, and nothing to keep.
     ReleaseScriptObjects();
     text.clear();
@@ -832,7 +836,7 @@ ChromiumWebControl::~ChromiumWebControl() = default;
 void ChromiumWebControl::Navigate(std::string target) { impl_->Navigate(target); }
 
 std::string ChromiumWebControl::ExecuteScript(std::string script) {
-  return impl_->ExecuteScript(script);
+  return impl_->ExecuteScript(std::move(script));
 }
 
 void ChromiumWebControl::AddLoadObserver(IWebControl::ILoadObserver* observer) {

@@ -7,6 +7,7 @@
 #include <exception>
 #include <mutex>
 #include <random>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -17,6 +18,7 @@
 #include "wevlin/infrastructure/base/internal/Log.h"
 #include "wevlin/infrastructure/interop/Base64.h"
 #include "wevlin/infrastructure/interop/JsonSerializationHelper.h"
+#include "wevlin/webcontrols/internal/CallReader.h"
 #include "wevlin/webcontrols/internal/PageBridge.h"
 #include "wevlin/webcontrols/internal/Utf8Text.h"
 #include "wevlin/webcontrols/webkitgtk/internal/PageScripts.h"
@@ -34,6 +36,7 @@ using WebControls::BridgePolicy;
 using WebControls::PageCaller;
 using WebControls::PageDialog;
 using WebControls::PageDialogAnswer;
+using WebControls::internal::IsValidUtf8;
 using WebControls::internal::PageBridge;
 using WebControls::internal::ToValidUtf8;
 
@@ -240,7 +243,8 @@ class WebKitGtkWebControl::Impl {
   void Refuse(JSCContext* context, WebKitScriptMessageReply* reply, const std::string& what,
               const std::string& why, const std::exception& error);
   void HandleCall(JSCValue* value, WebKitScriptMessageReply* reply);
-  static bool ReadCaller(std::string& message, PageCaller& caller);
+  // Reads the caller in front of a call, and moves `message` past it.
+  static bool ReadCaller(std::string_view& message, PageCaller& caller);
   void AnswerDialog(WebKitScriptDialog* dialog);
   void WebProcessEnded(WebKitWebProcessTerminationReason reason);
   void StartScript(const std::shared_ptr<ScriptRun>& run);
@@ -533,21 +537,20 @@ void WebKitGtkWebControl::Impl::HandleCall(JSCValue* value, WebKitScriptMessageR
                              " bytes"));
     return;
   }
+  // The call is read straight from the engine's UTF-8 copy of the text.
   GBytes* bytes = jsc_value_to_string_as_bytes(value);
   gsize size = 0;
   const auto* data = static_cast<const char*>(g_bytes_get_data(bytes, &size));
-  bool keyed = size >= key_.size() && std::string_view(data, key_.size()) == key_;
-  std::string message;
-  if (data != nullptr) {
-    const std::size_t skip = keyed ? key_.size() : 0;
-    message.assign(data + skip, size - skip);
-  }
-  g_bytes_unref(bytes);
+  std::string_view message = data != nullptr ? std::string_view(data, size) : std::string_view();
+  bool keyed = message.substr(0, key_.size()) == key_;
+  if (keyed) message.remove_prefix(key_.size());
 
   PageCaller caller;
   if (keyed && !ReadCaller(message, caller)) keyed = false;
   PageBridge::Call call;
-  const bool isCall = PageBridge::ReadCall(std::move(message), call);
+  const bool isCall =
+      WebControls::internal::CallReader::Read(message, call.id, call.function, call.args);
+  g_bytes_unref(bytes);
   if (!keyed) {
     Refuse(jsc_value_get_context(value), reply, isCall ? call.function : std::string("a message"),
            "without the bridge's key", std::runtime_error("The host does not serve this document"));
@@ -567,17 +570,17 @@ void WebKitGtkWebControl::Impl::HandleCall(JSCValue* value, WebKitScriptMessageR
   Enqueue(std::move(event));
 }
 
-bool WebKitGtkWebControl::Impl::ReadCaller(std::string& message, PageCaller& caller) {
+bool WebKitGtkWebControl::Impl::ReadCaller(std::string_view& message, PageCaller& caller) {
   // "T" or "F", the origin, "\n", the URL, "\n", then the call.
   if (message.empty() || (message[0] != 'T' && message[0] != 'F')) return false;
   const std::size_t originEnd = message.find('\n', 1);
-  if (originEnd == std::string::npos) return false;
+  if (originEnd == std::string_view::npos) return false;
   const std::size_t urlEnd = message.find('\n', originEnd + 1);
-  if (urlEnd == std::string::npos) return false;
+  if (urlEnd == std::string_view::npos) return false;
   caller.topFrame = message[0] == 'T';
-  caller.origin = BridgePolicy::OriginOf(message.substr(1, originEnd - 1));
-  caller.url = message.substr(originEnd + 1, urlEnd - originEnd - 1);
-  message.erase(0, urlEnd + 1);
+  caller.origin = BridgePolicy::OriginOf(std::string(message.substr(1, originEnd - 1)));
+  caller.url = std::string(message.substr(originEnd + 1, urlEnd - originEnd - 1));
+  message.remove_prefix(urlEnd + 1);
   return true;
 }
 
@@ -772,8 +775,11 @@ void WebKitGtkWebControl::Impl::StartScript(const std::shared_ptr<ScriptRun>& ru
     run->Finish(false, refusal, "The script was not run in " + top.url + ".");
     return;
   }
-  const std::string source = ToValidUtf8(run->script);
-  std::string().swap(run->script);
+  // Valid text, the usual case, goes to the engine without a copy of ours;
+  // the run gives its script up either way.
+  std::string source = std::move(run->script);
+  run->script = std::string();
+  if (!IsValidUtf8(source)) source = ToValidUtf8(source);
   inFlight_.push_back(run);
   RunStart* start = nullptr;
   {
@@ -813,7 +819,8 @@ void WebKitGtkWebControl::Impl::OnScriptDone(GObject* source, GAsyncResult* resu
 std::string WebKitGtkWebControl::Impl::Result(ScriptRun& run) {
   std::lock_guard<std::mutex> lock(run.mutex);
   if (!run.ok) throw ScriptException(run.text, run.details);
-  return run.text;
+  // Read once: the value is handed over, not copied.
+  return std::move(run.text);
 }
 
 std::string WebKitGtkWebControl::Impl::ExecuteScript(std::string script) {

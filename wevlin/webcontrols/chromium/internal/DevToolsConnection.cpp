@@ -655,23 +655,48 @@ int DevToolsConnection::Send(const std::string& method, Json params, const std::
 void DevToolsConnection::PostRawParams(const std::string& method, std::string paramsJson,
                                        const std::string& sessionId,
                                        std::chrono::milliseconds timeout) {
-  PostParams(
+  SendParams(
       method, paramsJson.size(), [&paramsJson](const TextSink& put) { put(paramsJson); }, sessionId,
-      timeout, std::string_view(paramsJson).substr(0, kTraceLength));
+      timeout, std::string_view(paramsJson).substr(0, kTraceLength), nullptr);
 }
 
 void DevToolsConnection::PostStreamedParams(const std::string& method, std::size_t paramsBytes,
                                             const std::function<void(const TextSink&)>& writeParams,
                                             const std::string& sessionId,
                                             std::chrono::milliseconds timeout) {
-  PostParams(method, paramsBytes, writeParams, sessionId, timeout,
-             "(" + std::to_string(paramsBytes) + " bytes written piece by piece)");
+  SendParams(method, paramsBytes, writeParams, sessionId, timeout,
+             TracedParams(paramsBytes, writeParams), nullptr);
 }
 
-void DevToolsConnection::PostParams(const std::string& method, std::size_t paramsBytes,
-                                    const std::function<void(const TextSink&)>& writeParams,
-                                    const std::string& sessionId, std::chrono::milliseconds timeout,
-                                    std::string_view tracedParams) {
+DevToolsConnection::Json DevToolsConnection::CallStreamedParams(
+    const std::string& method, std::size_t paramsBytes,
+    const std::function<void(const TextSink&)>& writeParams, const std::string& sessionId,
+    std::chrono::milliseconds timeout) {
+  auto call = std::make_shared<PendingCall>();
+  call->method = method;
+  call->sessionId = sessionId;
+  const auto deadline = std::chrono::steady_clock::now() + timeout;
+  const int id = SendParams(method, paramsBytes, writeParams, sessionId, timeout,
+                            TracedParams(paramsBytes, writeParams), call);
+  return Await(id, call, method, deadline, timeout);
+}
+
+std::string DevToolsConnection::TracedParams(
+    std::size_t paramsBytes, const std::function<void(const TextSink&)>& writeParams) const {
+  if (!trace_) return {};
+  if (paramsBytes > kTraceLength) {
+    return "(" + std::to_string(paramsBytes) + " bytes written piece by piece)";
+  }
+  std::string text;
+  writeParams([&text](std::string_view piece) { text.append(piece); });
+  return text;
+}
+
+int DevToolsConnection::SendParams(const std::string& method, std::size_t paramsBytes,
+                                   const std::function<void(const TextSink&)>& writeParams,
+                                   const std::string& sessionId, std::chrono::milliseconds timeout,
+                                   std::string_view tracedParams,
+                                   std::shared_ptr<PendingCall> call) {
   std::string tail = ",\"method\":";
   AppendJsonString(&tail, method);
   if (!sessionId.empty()) {
@@ -679,7 +704,7 @@ void DevToolsConnection::PostParams(const std::string& method, std::size_t param
     AppendJsonString(&tail, sessionId);
   }
   tail += ",\"params\":";
-  const int id = Register(nullptr, ReplyHandler());
+  const int id = Register(std::move(call), ReplyHandler());
   const std::string head = "{\"id\":" + std::to_string(id);
   CheckOutgoing(id, method, head.size() + tail.size() + paramsBytes + 2);
   if (trace_) Trace(">>", head + tail + std::string(tracedParams) + "}");
@@ -689,6 +714,7 @@ void DevToolsConnection::PostParams(const std::string& method, std::size_t param
     writeParams(put);
     put(std::string_view("}\0", 2));
   });
+  return id;
 }
 
 DevToolsConnection::Json DevToolsConnection::Call(const std::string& method, Json params,
@@ -699,7 +725,13 @@ DevToolsConnection::Json DevToolsConnection::Call(const std::string& method, Jso
   call->sessionId = sessionId;
   const auto deadline = std::chrono::steady_clock::now() + timeout;
   const int id = Send(method, std::move(params), sessionId, timeout, call, ReplyHandler());
+  return Await(id, call, method, deadline, timeout);
+}
 
+DevToolsConnection::Json DevToolsConnection::Await(int id, const std::shared_ptr<PendingCall>& call,
+                                                   const std::string& method,
+                                                   std::chrono::steady_clock::time_point deadline,
+                                                   std::chrono::milliseconds timeout) {
   std::unique_lock<std::mutex> lock(mutex_);
   if (!settled_.wait_until(lock, deadline, [&] { return call->done; })) {
     calls_.erase(id);

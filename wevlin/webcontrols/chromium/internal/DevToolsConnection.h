@@ -43,10 +43,10 @@ namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal {
 // written, so that the browser never sees a message it would close the pipe
 // for (see kMaxPipeMessageBytes).
 //
-// The connection does not own the process, which must outlive it. Call, Post,
-// PostRawParams, FailCalls, SetMessageLimits and SetEventFilter may be used
-// from any thread; the handlers run on the reader thread and must not wait
-// for a Call.
+// The connection does not own the process, which must outlive it. Call,
+// CallStreamedParams, Post, PostRawParams, PostStreamedParams, FailCalls,
+// SetMessageLimits and SetEventFilter may be used from any thread; the
+// handlers run on the reader thread and must not wait for a call.
 class DevToolsConnection {
  public:
   // The largest command the connection ever writes (its NUL counted),
@@ -114,6 +114,15 @@ class DevToolsConnection {
       const std::string& sessionId,
       std::chrono::milliseconds timeout = std::chrono::milliseconds(30000));
 
+  // Sends `method` with a params object that `writeParams` writes piece by
+  // piece, like PostStreamedParams, and waits for the answer like Call.
+  // Returns the answer's "result" object. Throws like Call, and ProtocolError
+  // for a command over the outgoing limit.
+  Json CallStreamedParams(
+      const std::string& method, std::size_t paramsBytes,
+      const std::function<void(const std::function<void(std::string_view)>&)>& writeParams,
+      const std::string& sessionId, std::chrono::milliseconds timeout);
+
   // Sets the largest message of the browser that is read (the NUL not
   // counted) and the largest command that is written (with its NUL; never
   // more than kMaxPipeMessageBytes). A call whose answer is bigger fails with
@@ -155,12 +164,19 @@ class DevToolsConnection {
   void CheckOutgoing(int id, const std::string& method, std::size_t size);
   // Receives one piece of a command's text.
   using TextSink = std::function<void(std::string_view piece)>;
-  // Writes a command whose params `writeParams` writes; the trace shows
-  // `tracedParams` in their place.
-  void PostParams(const std::string& method, std::size_t paramsBytes,
-                  const std::function<void(const TextSink&)>& writeParams,
-                  const std::string& sessionId, std::chrono::milliseconds timeout,
-                  std::string_view tracedParams);
+  // Writes a command whose params `writeParams` writes, for `call` (or for
+  // nobody), and returns its id; the trace shows `tracedParams` in their
+  // place.
+  int SendParams(const std::string& method, std::size_t paramsBytes,
+                 const std::function<void(const TextSink&)>& writeParams,
+                 const std::string& sessionId, std::chrono::milliseconds timeout,
+                 std::string_view tracedParams, std::shared_ptr<PendingCall> call);
+  // Returns what the trace shows of streamed params: their text when short.
+  std::string TracedParams(std::size_t paramsBytes,
+                           const std::function<void(const TextSink&)>& writeParams) const;
+  // Waits until `deadline` for the answer to the call `id` of `method`.
+  Json Await(int id, const std::shared_ptr<PendingCall>& call, const std::string& method,
+             std::chrono::steady_clock::time_point deadline, std::chrono::milliseconds timeout);
   void WriteCommand(int id, const std::string& method, std::chrono::milliseconds timeout,
                     const std::function<void(const TextSink&)>& produce);
   void ReadLoop();

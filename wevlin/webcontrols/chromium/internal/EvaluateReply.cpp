@@ -198,6 +198,16 @@ bool ReadResultText(const Json& remoteObject, std::string* text) {
   return true;
 }
 
+bool ReadResultText(Json&& remoteObject, std::string* text) {
+  const auto value = remoteObject.find("value");
+  if (value != remoteObject.end() && value->is_string() &&
+      StringField(remoteObject, "type") == "string") {
+    *text = std::move(value->get_ref<std::string&>());
+    return true;
+  }
+  return ReadResultText(static_cast<const Json&>(remoteObject), text);
+}
+
 bool IsUncopyableValueError(const std::string& errorText) {
   // The texts with which the browser refuses to copy a value: a symbol, or a
   // BigInt inside an object; a cycle or deep nesting; a copy too deep for

@@ -23,6 +23,10 @@ namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal {
 // a Map or a Promise is {}, and a function inside an object is {}.
 bool ReadResultText(const nlohmann::ordered_json& remoteObject, std::string* text);
 
+// Reads like the overload above, and moves a string value out of
+// `remoteObject` instead of copying it: a big string is never held twice.
+bool ReadResultText(nlohmann::ordered_json&& remoteObject, std::string* text);
+
 // Returns true when `errorText`, the error answer of Runtime.evaluate, says
 // that the script ran but the browser could not copy its value: a cycle or
 // nesting too deep, a symbol, or a BigInt inside an object.
