@@ -760,12 +760,11 @@ std::string ChromiumWebControl::Impl::ExecuteScript(std::string script) {
   if (!WebControls::internal::IsValidUtf8(script)) {
     script = WebControls::internal::ToValidUtf8(script);
   }
-  const std::string& source = script;
   Json reply;
   try {
     // The script is escaped straight into the pipe; the browser copies the
     // value into its answer as JSON.
-    const internal::EvaluateParams params(source, kObjectGroup, contextId);
+    const internal::EvaluateParams params(script, kObjectGroup, contextId);
     reply = connection_->CallStreamedParams(
         "Runtime.evaluate", params.Size(),
         [&params](const std::function<void(std::string_view)>& put) { params.Write(put); },
@@ -786,7 +785,7 @@ std::string ChromiumWebControl::Impl::ExecuteScript(std::string script) {
   const auto details = reply.find("exceptionDetails");
   if (details != reply.end() && details->is_object()) {
     ReleaseScriptObjects();
-    throw internal::MakeScriptException(*details, source);
+    throw internal::MakeScriptException(*details, script);
   }
   const auto result = reply.find("result");
   std::string text;

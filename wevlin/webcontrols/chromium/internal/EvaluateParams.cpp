@@ -60,11 +60,14 @@ std::size_t EscapedSize(std::string_view text) {
 // Above this a piece is handed out.
 constexpr std::size_t kPieceBytes = std::size_t{64} * 1024;
 
+// What comes before the script's escaped text.
+constexpr std::string_view kHead = R"({"expression":")";
+
 }  // namespace
 
 EvaluateParams::EvaluateParams(std::string_view script, std::string_view objectGroup,
                                std::int64_t contextId)
-    : script_(script), head_(R"({"expression":")"), tail_(R"(","objectGroup":")") {
+    : script_(script), tail_(R"(","objectGroup":")") {
   for (const char c : objectGroup) {
     const auto byte = static_cast<unsigned char>(c);
     if (kEscapedWidths[byte] == 1) {
@@ -79,11 +82,11 @@ EvaluateParams::EvaluateParams(std::string_view script, std::string_view objectG
 }
 
 std::size_t EvaluateParams::Size() const {
-  return head_.size() + EscapedSize(script_) + tail_.size();
+  return kHead.size() + EscapedSize(script_) + tail_.size();
 }
 
 void EvaluateParams::Write(const std::function<void(std::string_view)>& put) const {
-  std::string piece = head_;
+  std::string piece(kHead);
   piece.reserve(kPieceBytes + 8);
   const char* at = script_.data();
   const char* const end = at + script_.size();

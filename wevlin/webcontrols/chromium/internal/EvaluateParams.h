@@ -16,8 +16,8 @@ namespace Com::Velmora::TAVO::Wevlin::WebControls::Chromium::internal {
 // straight into the pieces Write hands out, so that a big script is never
 // held a second time, escaped, on its way to the pipe.
 //
-// Holds views of the script and the group, which must outlive it. Immutable;
-// any thread.
+// Holds a view of the script, which must outlive it, and a copy of the rest.
+// Immutable; any thread.
 class EvaluateParams {
  public:
   // REQUIRES: `script` and `objectGroup` are valid UTF-8.
@@ -34,7 +34,6 @@ class EvaluateParams {
 
  private:
   std::string_view script_;
-  std::string head_;  // {"expression":"
   std::string tail_;  // ","objectGroup":...}
 };
 
